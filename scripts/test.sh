@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs the whole test suite.
+#   scripts/test.sh                      the suite as CI runs it
+#   scripts/test.sh --sanitize address,undefined   (or thread) in a separate build folder
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=$root/build
+cmake_args=()
+if [ "${1:-}" = "--sanitize" ]; then
+  build=$root/build-${2//,/-}
+  cmake_args+=(-DVEXTIL_SANITIZE="$2" -DVEXTIL_BUILD_BENCH=OFF)
+fi
+
+"$root/scripts/build.sh" "$build" "${cmake_args[@]}"
+export QT_QPA_PLATFORM=offscreen
+cd "$build"
+ctest --output-on-failure --parallel "$(nproc)" --timeout 300

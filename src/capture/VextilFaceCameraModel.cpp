@@ -1,0 +1,333 @@
+#include "VextilToolkit/VextilFaceCameraModel.h"
+
+#include "VextilToolkit/VextilRepository.h"
+#include "ui/VextilMainQueue.h"
+
+#include <QCoreApplication>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr qint64 kNoDate = std::numeric_limits<qint64>::min();
+constexpr auto kPacing = std::chrono::seconds(1);
+constexpr int kNeutralImages = 5;
+constexpr int kSmileImages = 2;
+// A face must fill more than this much of the view's width, and less than the other.
+constexpr double kNearestRatio = 0.83;
+constexpr double kFarthestRatio = 0.4;
+
+QString translated(const char *english)
+{
+    return QCoreApplication::translate("VextilToolkit", english);
+}
+
+}  // namespace
+
+VextilFaceCameraModel::VextilFaceCameraModel(QObject *parent)
+    : VextilFaceCameraModel(VextilFaceDetector::createDefault(), {}, parent)
+{
+}
+
+VextilFaceCameraModel::VextilFaceCameraModel(std::shared_ptr<VextilFaceDetector> detector, VextilClock clock,
+                                             QObject *parent)
+    : QObject(parent),
+      m_facesArray(std::make_shared<QList<QImage>>()),
+      m_faceDetector(std::move(detector)),
+      m_clock(clock ? std::move(clock) : VextilClock(&std::chrono::steady_clock::now)),
+      m_lastFrameDate(kNoDate)
+{
+    // The smiling array is made by the first reset only: the camera screen always resets the
+    // model before frames flow, and until then a capture cannot complete.
+}
+
+VextilFaceCameraModel::~VextilFaceCameraModel() = default;
+
+void VextilFaceCameraModel::setViewSize(QSizeF size)
+{
+    QMutexLocker lock(&m_mutex);
+    m_viewSize = size;
+}
+
+bool VextilFaceCameraModel::isFaceNearEnough(const VextilFaceFeature &face, const QImage &image) const
+{
+    // Only the face's on-screen width decides. Flipping the origin and offsetting into the view
+    // move the rectangle but leave its width alone, so the width is scaled directly.
+    const double imageWidth = image.isNull() ? 0 : image.width();
+    const double imageHeight = image.isNull() ? 0 : image.height();
+    const QSizeF view = viewSize();
+    const double fit = std::min(view.width() / imageWidth, view.height() / imageHeight);
+    const double ratio = std::abs(face.bounds.width()) * fit / view.width();
+    // Comparisons with NaN are false, so an unset view or a missing image never passes.
+    return kFarthestRatio < ratio && ratio < kNearestRatio;
+}
+
+void VextilFaceCameraModel::processFace(const QImage &image)
+{
+    bool idle = false;
+    if (!m_isProcessing.compare_exchange_strong(idle, true))
+        return;
+    const QList<VextilFaceFeature> features =
+        m_faceDetector ? m_faceDetector->featuresInImage(image) : QList<VextilFaceFeature>();
+    // The guard covers detection only, not the state logic that follows.
+    m_isProcessing = false;
+
+    if (features.isEmpty()) {
+        noFace();
+        return;
+    }
+    const VextilFaceFeature &face = features.first();
+    if (!isFaceNearEnough(face, image))
+        return;
+    switch (currentState()) {
+    case VextilFaceCaptureStateLookingForFace:
+        lookingForFace(face, image);
+        break;
+    case VextilFaceCaptureStateCollectingFaces:
+        collectingFaces(face, image);
+        break;
+    case VextilFaceCaptureStateAwaitingSmile:
+        awaitingSmile(face, image);
+        break;
+    }
+}
+
+void VextilFaceCameraModel::noFace()
+{
+    // One face-less frame is forgiven; the second in a row drops every neutral image.
+    if (!m_hasFaceInLastFrame) {
+        {
+            QMutexLocker lock(&m_mutex);
+            if (m_facesArray)
+                m_facesArray->clear();
+        }
+        setUItoState(VextilFaceCaptureStateLookingForFace);
+    }
+    m_hasFaceInLastFrame = false;
+}
+
+void VextilFaceCameraModel::lookingForFace(const VextilFaceFeature &face, const QImage &image)
+{
+    if (!face.hasSmile) {
+        m_hasFaceInLastFrame = true;
+        {
+            QMutexLocker lock(&m_mutex);
+            if (m_facesArray)
+                m_facesArray->append(image);
+        }
+        setUItoState(VextilFaceCaptureStateCollectingFaces);
+    }
+    stampClock();
+}
+
+void VextilFaceCameraModel::collectingFaces(const VextilFaceFeature &face, const QImage &image)
+{
+    if (face.hasSmile) {
+        // The first smiling frame only clears the flag; a second before a new neutral image
+        // drops the newest neutral image and starts looking again.
+        if (!m_hasFaceInLastFrame) {
+            {
+                QMutexLocker lock(&m_mutex);
+                if (m_facesArray && !m_facesArray->isEmpty())
+                    m_facesArray->removeLast();
+            }
+            setUItoState(VextilFaceCaptureStateLookingForFace);
+        }
+        m_hasFaceInLastFrame = false;
+        return;
+    }
+    if (!secondHasPassed())
+        return;
+    stampClock();
+    m_hasFaceInLastFrame = true;
+    qsizetype count = 0;
+    {
+        QMutexLocker lock(&m_mutex);
+        if (m_facesArray) {
+            m_facesArray->append(image);
+            count = m_facesArray->size();
+        }
+    }
+    setUItoState(count < kNeutralImages ? VextilFaceCaptureStateCollectingFaces : VextilFaceCaptureStateAwaitingSmile);
+}
+
+void VextilFaceCameraModel::awaitingSmile(const VextilFaceFeature &face, const QImage &image)
+{
+    if (!face.hasSmile || !secondHasPassed())
+        return;
+    stampClock();
+    qsizetype count = 0;
+    {
+        QMutexLocker lock(&m_mutex);
+        if (!m_facesSmileArray)
+            return;
+        m_facesSmileArray->append(image);
+        count = m_facesSmileArray->size();
+    }
+    // Exactly two: a third smile collected before the screen closes never completes again.
+    if (count == kSmileImages)
+        VextilMainQueue::dispatchAsync(this, [this] { completeCapture(); });
+}
+
+void VextilFaceCameraModel::completeCapture()
+{
+    ImageArray faces, smiles;
+    {
+        QMutexLocker lock(&m_mutex);
+        faces = m_facesArray;
+        smiles = m_facesSmileArray;
+    }
+    VextilRepository *store = VextilRepository::sharedInstance();
+    store->setFaceImages(faces);
+    store->setFaceSmileImages(smiles);
+    if (VextilFaceCameraModelDelegate *delegate = currentDelegate())
+        delegate->finishedCapture();
+}
+
+bool VextilFaceCameraModel::secondHasPassed() const
+{
+    // Like a date that was never set, a missing clock reading counts as no time passed.
+    const qint64 last = m_lastFrameDate;
+    if (last == kNoDate)
+        return false;
+    const qint64 now = m_clock().time_since_epoch().count();
+    const auto elapsed = std::chrono::steady_clock::duration(now > last ? now - last : last - now);
+    return elapsed >= kPacing;
+}
+
+void VextilFaceCameraModel::stampClock()
+{
+    m_lastFrameDate = m_clock().time_since_epoch().count();
+}
+
+int VextilFaceCameraModel::neutralCount() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_facesArray ? int(m_facesArray->size()) : 0;
+}
+
+void VextilFaceCameraModel::setUItoState(VextilFaceCaptureState state)
+{
+    VextilFaceCameraModelDelegate *delegate = currentDelegate();
+    // Entering state 2 keeps the mask green from state 1; every other real change toggles it.
+    if (state != VextilFaceCaptureStateAwaitingSmile && state != currentState() && delegate)
+        delegate->changeMaskState();
+    m_currentState = state;
+    if (!delegate)
+        return;
+
+    switch (currentState()) {
+    case VextilFaceCaptureStateAwaitingSmile:
+        delegate->updateMessageText(translated("Checking your face"));
+        delegate->isPopupViewHidden(false);
+        delegate->isProgressBarHidden(true);
+        break;
+    case VextilFaceCaptureStateCollectingFaces:
+    case VextilFaceCaptureStateLookingForFace:
+        delegate->updateMessageText(currentState() == VextilFaceCaptureStateCollectingFaces
+                                        ? translated("Checking your face")
+                                        : translated("Looking for face"));
+        delegate->isPopupViewHidden(true);
+        delegate->isProgressBarHidden(false);
+        delegate->updateProgressView(neutralCount() / double(kNeutralImages));
+        break;
+    }
+}
+
+void VextilFaceCameraModel::resetState()
+{
+    VextilMainQueue::dispatchAsync(this, [this] {
+        {
+            QMutexLocker lock(&m_mutex);
+            m_facesArray = std::make_shared<QList<QImage>>();
+            m_facesSmileArray = std::make_shared<QList<QImage>>();
+        }
+        setUItoState(VextilFaceCaptureStateLookingForFace);
+    });
+}
+
+void VextilFaceCameraModel::clearData()
+{
+    VextilRepository::sharedInstance()->resetFaceImages();
+}
+
+QString VextilFaceCameraModel::getFirstMessageText() const
+{
+    return translated("Looking for face");
+}
+
+VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesArray() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_facesArray;
+}
+
+void VextilFaceCameraModel::setFacesArray(ImageArray array)
+{
+    QMutexLocker lock(&m_mutex);
+    m_facesArray = std::move(array);
+}
+
+VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesSmileArray() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_facesSmileArray;
+}
+
+void VextilFaceCameraModel::setFacesSmileArray(ImageArray array)
+{
+    QMutexLocker lock(&m_mutex);
+    m_facesSmileArray = std::move(array);
+}
+
+std::optional<VextilTimePoint> VextilFaceCameraModel::lastFrameDate() const
+{
+    const qint64 last = m_lastFrameDate;
+    if (last == kNoDate)
+        return std::nullopt;
+    return VextilTimePoint(VextilTimePoint::duration(last));
+}
+
+void VextilFaceCameraModel::setLastFrameDate(std::optional<VextilTimePoint> date)
+{
+    m_lastFrameDate = date ? date->time_since_epoch().count() : kNoDate;
+}
+
+std::shared_ptr<VextilFaceDetector> VextilFaceCameraModel::faceDetector() const { return m_faceDetector; }
+
+QSizeF VextilFaceCameraModel::viewSize() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_viewSize;
+}
+
+bool VextilFaceCameraModel::isProcessing() const { return m_isProcessing; }
+void VextilFaceCameraModel::setIsProcessing(bool processing) { m_isProcessing = processing; }
+bool VextilFaceCameraModel::hasFaceInLastFrame() const { return m_hasFaceInLastFrame; }
+void VextilFaceCameraModel::setHasFaceInLastFrame(bool hasFace) { m_hasFaceInLastFrame = hasFace; }
+
+VextilFaceCaptureState VextilFaceCameraModel::currentState() const
+{
+    return VextilFaceCaptureState(m_currentState.load());
+}
+
+void VextilFaceCameraModel::setCurrentState(VextilFaceCaptureState state) { m_currentState = state; }
+
+QObject *VextilFaceCameraModel::delegate() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_delegate.data();
+}
+
+void VextilFaceCameraModel::setDelegate(QObject *delegate)
+{
+    QMutexLocker lock(&m_mutex);
+    m_delegate = delegate;
+}
+
+VextilFaceCameraModelDelegate *VextilFaceCameraModel::currentDelegate() const
+{
+    // The delegate is asked at call time whether it implements the interface.
+    return dynamic_cast<VextilFaceCameraModelDelegate *>(delegate());
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+/// How the face capture model drives the camera screen. Calls made while processing a frame
+/// arrive on the capture thread; the reset's calls and finishedCapture on the GUI thread.
+/// Implementations must be safe to call from both.
+class VextilFaceCameraModelDelegate {
+public:
+    virtual ~VextilFaceCameraModelDelegate() = default;
+
+    /// The capture is complete and the images are in the store. GUI thread.
+    virtual void finishedCapture() = 0;
+    /// New instructions text, already translated.
+    virtual void updateMessageText(const QString &text) = 0;
+    /// Progress of the neutral images, 0.0 to 1.0.
+    virtual void updateProgressView(double progress) = 0;
+    /// Hides or shows the progress bar.
+    virtual void isProgressBarHidden(bool hidden) = 0;
+    /// Toggles the face frame between white and green.
+    virtual void changeMaskState() = 0;
+    /// Hides or shows the "SMILE!" popup.
+    virtual void isPopupViewHidden(bool hidden) = 0;
+};

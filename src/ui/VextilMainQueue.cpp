@@ -1,0 +1,18 @@
+#include "ui/VextilMainQueue.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+
+void VextilMainQueue::dispatchAsync(QObject *guard, std::function<void()> work)
+{
+    QPointer<QObject> alive(guard);
+    // Posting to the application object keeps one queue for all of the toolkit's GUI work,
+    // whatever thread the guard lives in.
+    QMetaObject::invokeMethod(
+        qApp,
+        [alive, work = std::move(work)] {
+            if (alive)
+                work();
+        },
+        Qt::QueuedConnection);
+}

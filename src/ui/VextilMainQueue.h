@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+
+/// Runs work on the GUI thread's event loop, the toolkit's "main queue".
+class VextilMainQueue {
+public:
+    /// Queues work to run later on the GUI thread, in call order, from any thread. The work is
+    /// skipped when `guard` is destroyed before it runs. Needs a QCoreApplication.
+    static void dispatchAsync(QObject *guard, std::function<void()> work);
+};

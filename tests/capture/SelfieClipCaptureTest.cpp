@@ -1,0 +1,22 @@
+#include "ClipRun.h"
+
+#include <VextilToolkit/VextilCascadeFaceDetector.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(SelfieClipCapture, TheRealDetectorCompletesTheSampleClipWithoutFallingBack)
+{
+    const ClipRunResult run = runClip(QStringLiteral(VEXTIL_SELFIE_CLIP), std::make_shared<VextilCascadeFaceDetector>());
+    ASSERT_TRUE(run.opened) << VEXTIL_SELFIE_CLIP;
+    ASSERT_TRUE(run.completed) << "after " << run.frames << " frames";
+    EXPECT_EQ(run.storedNeutral, 5);
+    EXPECT_EQ(run.storedSmiling, 2);
+    EXPECT_EQ(run.fallbacks, 0);
+    // Five neutral images a second apart, then two smiles a second apart each.
+    EXPECT_GE(run.completionSeconds - run.firstNeutralSeconds, 6.0);
+    EXPECT_GE(run.firstNeutralSeconds, 1.0) << "the clip opens on an empty room";
+}
+
+}  // namespace

@@ -1,0 +1,292 @@
+#include "RecordingDelegate.h"
+#include "ScriptedFaceDetector.h"
+
+#include <VextilToolkit/VextilFaceCameraModel.h>
+#include <VextilToolkit/VextilRepository.h>
+
+#include <QCoreApplication>
+#include <QThread>
+#include <QTranslator>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+enum class Face { None, Neutral, Smiling, Far };
+
+// The image is 100 x 200 and so is the view, so a face's on-screen ratio is its width / 100.
+constexpr double kNearWidth = 60;
+
+class FaceCameraModelTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        VextilRepository::sharedInstance()->resetFaceImages();
+        model.setDelegate(&delegate);
+        model.setViewSize(QSizeF(100, 200));
+        model.resetState();
+        settle();
+        delegate.clear();
+    }
+
+    static void settle() { QCoreApplication::processEvents(); }
+
+    void feed(double seconds, Face face)
+    {
+        now = VextilTimePoint(std::chrono::duration_cast<VextilTimePoint::duration>(std::chrono::duration<double>(seconds)));
+        detector->next.clear();
+        if (face != Face::None)
+            detector->next.append({QRectF(20, 60, face == Face::Far ? 30 : kNearWidth, 60), face == Face::Smiling});
+        model.processFace(image);
+    }
+
+    // Five neutral images, a second apart from t = 0: the model then awaits the smile.
+    void collectNeutral()
+    {
+        for (int i = 0; i < 5; ++i)
+            feed(i, Face::Neutral);
+    }
+
+    qsizetype neutralCount() const { return model.facesArray()->size(); }
+
+    std::shared_ptr<ScriptedFaceDetector> detector = std::make_shared<ScriptedFaceDetector>();
+    VextilTimePoint now{};
+    VextilFaceCameraModel model{detector, [this] { return now; }};
+    RecordingDelegate delegate;
+    QImage image{100, 200, QImage::Format_RGB32};
+};
+
+TEST_F(FaceCameraModelTest, NearEnoughIsStrictlyBetweenFortyAndEightyThreePercentOfTheView)
+{
+    const auto nearEnough = [&](double width) { return model.isFaceNearEnough({QRectF(0, 0, width, width), false}, image); };
+    EXPECT_FALSE(nearEnough(40));
+    EXPECT_TRUE(nearEnough(40.5));
+    EXPECT_TRUE(nearEnough(82.5));
+    EXPECT_FALSE(nearEnough(83));
+    EXPECT_FALSE(model.isFaceNearEnough({QRectF(0, 0, 60, 60), false}, QImage())) << "a missing image never passes";
+
+    // The image is fitted into the view keeping its aspect: 400 x 400 into 100 x 200 scales by 1/4.
+    const QImage square(400, 400, QImage::Format_RGB32);
+    EXPECT_TRUE(model.isFaceNearEnough({QRectF(0, 0, 240, 240), false}, square));
+    EXPECT_FALSE(model.isFaceNearEnough({QRectF(0, 0, 120, 120), false}, square));
+
+    VextilFaceCameraModel unsized(detector);
+    EXPECT_FALSE(unsized.isFaceNearEnough({QRectF(0, 0, 60, 60), false}, image)) << "no view size yet";
+}
+
+TEST_F(FaceCameraModelTest, StartsLookingWithNoSmileArrayUntilTheFirstReset)
+{
+    VextilFaceCameraModel fresh(detector, [this] { return now; });
+    EXPECT_EQ(fresh.currentState(), VextilFaceCaptureStateLookingForFace);
+    ASSERT_NE(fresh.facesArray(), nullptr);
+    EXPECT_TRUE(fresh.facesArray()->isEmpty());
+    EXPECT_EQ(fresh.facesSmileArray(), nullptr);
+    EXPECT_FALSE(fresh.lastFrameDate().has_value());
+    EXPECT_EQ(fresh.getFirstMessageText(), QStringLiteral("Looking for face"));
+
+    fresh.resetState();
+    EXPECT_EQ(fresh.facesSmileArray(), nullptr) << "the reset runs later, on the GUI thread";
+    settle();
+    ASSERT_NE(fresh.facesSmileArray(), nullptr);
+    EXPECT_TRUE(fresh.facesSmileArray()->isEmpty());
+}
+
+TEST_F(FaceCameraModelTest, CollectsNeutralImagesOneSecondApartThenAwaitsTheSmile)
+{
+    feed(0, Face::Neutral);
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateCollectingFaces);
+    EXPECT_EQ(delegate.calls(), (QStringList{"mask", "message:Checking your face", "popup:hidden", "bar:shown",
+                                             "progress:0.2"}));
+    feed(0.5, Face::Neutral);
+    feed(0.999, Face::Neutral);
+    EXPECT_EQ(neutralCount(), 1) << "under a second since the last image";
+
+    delegate.clear();
+    for (int i = 1; i < 4; ++i)
+        feed(i, Face::Neutral);
+    EXPECT_EQ(neutralCount(), 4);
+    EXPECT_EQ(delegate.count("progress:0.8"), 1);
+    EXPECT_EQ(delegate.count("mask"), 0) << "staying in a state never toggles the mask";
+
+    delegate.clear();
+    feed(4, Face::Neutral);
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
+    EXPECT_EQ(delegate.calls(), (QStringList{"message:Checking your face", "popup:shown", "bar:hidden"}))
+        << "entering the smile state keeps the mask green and sends no progress";
+
+    feed(5, Face::Neutral);
+    EXPECT_EQ(neutralCount(), 5) << "nothing neutral is added while awaiting the smile";
+}
+
+TEST_F(FaceCameraModelTest, TwoSmilesASecondApartCompleteOnceAndFillTheStoreByReference)
+{
+    collectNeutral();
+    feed(4.5, Face::Smiling);
+    EXPECT_EQ(model.facesSmileArray()->size(), 0) << "under a second after the fifth neutral image";
+    feed(5, Face::Smiling);
+    feed(5.5, Face::Smiling);
+    EXPECT_EQ(model.facesSmileArray()->size(), 1);
+    feed(6, Face::Smiling);
+    EXPECT_EQ(delegate.count("finished"), 0) << "completion is queued to the GUI thread";
+    settle();
+    EXPECT_EQ(delegate.count("finished"), 1);
+
+    auto *store = VextilRepository::sharedInstance();
+    EXPECT_EQ(store->getFaceImages(), model.facesArray());
+    EXPECT_EQ(store->getFaceSmileImagess(), model.facesSmileArray());
+    EXPECT_EQ(store->getFaceImages()->size(), 5);
+    EXPECT_EQ(store->getFaceSmileImagess()->size(), 2);
+
+    feed(7, Face::Smiling);
+    settle();
+    EXPECT_EQ(store->getFaceSmileImagess()->size(), 3) << "a third smile lands in the shared array";
+    EXPECT_EQ(delegate.count("finished"), 1) << "but never completes a second time";
+}
+
+TEST_F(FaceCameraModelTest, OneFacelessFrameIsForgivenTheSecondDropsTheNeutralImages)
+{
+    feed(0, Face::Neutral);
+    feed(1, Face::Neutral);
+    feed(1.2, Face::None);
+    EXPECT_EQ(neutralCount(), 2);
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateCollectingFaces);
+
+    delegate.clear();
+    feed(1.3, Face::None);
+    EXPECT_EQ(neutralCount(), 0);
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+    EXPECT_EQ(delegate.calls(), (QStringList{"mask", "message:Looking for face", "popup:hidden", "bar:shown",
+                                             "progress:0"}));
+
+    delegate.clear();
+    feed(1.4, Face::None);
+    EXPECT_EQ(delegate.count("mask"), 0) << "returning to the current state toggles nothing";
+}
+
+TEST_F(FaceCameraModelTest, LosingTheFaceWhileAwaitingTheSmileKeepsTheSmilesTaken)
+{
+    collectNeutral();
+    feed(5, Face::None);  // forgiven: the last neutral image set the grace flag
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
+    feed(6, Face::Smiling);
+    feed(7, Face::Smiling);
+    settle();
+    ASSERT_EQ(delegate.count("finished"), 1);
+    delegate.clear();
+
+    // Smiles never set the grace flag again, so the next face-less frame is not forgiven.
+    feed(8, Face::None);
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+    EXPECT_EQ(neutralCount(), 0);
+    EXPECT_EQ(model.facesSmileArray()->size(), 2);
+    EXPECT_EQ(delegate.count("mask"), 1) << "green back to white";
+}
+
+TEST_F(FaceCameraModelTest, TwoSmilesInARowWhileCollectingDropOnlyTheNewestNeutralImage)
+{
+    feed(0, Face::Neutral);
+    feed(1, Face::Neutral);
+    feed(2, Face::Neutral);
+    const QImage newest = model.facesArray()->last();
+    feed(2.1, Face::Smiling);
+    EXPECT_EQ(neutralCount(), 3) << "the first smile only clears the grace flag";
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateCollectingFaces);
+
+    delegate.clear();
+    feed(2.2, Face::Smiling);
+    EXPECT_EQ(neutralCount(), 2);
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+    EXPECT_EQ(delegate.count("progress:0.4"), 1) << "the remaining count is shown";
+}
+
+TEST_F(FaceCameraModelTest, ASmileWhileLookingIsNotCollectedAndAFarFaceChangesNothing)
+{
+    feed(0, Face::Smiling);
+    EXPECT_EQ(neutralCount(), 0);
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+    EXPECT_TRUE(model.lastFrameDate().has_value()) << "a smile while looking still sets the clock";
+
+    feed(0.1, Face::Far);
+    EXPECT_EQ(neutralCount(), 0);
+    EXPECT_TRUE(delegate.calls().isEmpty());
+
+    feed(0.2, Face::Neutral);
+    EXPECT_EQ(neutralCount(), 1) << "looking for a face collects without waiting a second";
+}
+
+TEST_F(FaceCameraModelTest, AFrameArrivingDuringADetectionIsDropped)
+{
+    int nested = 0;
+    detector->duringDetection = [&] {
+        if (nested++ == 0)
+            feed(0, Face::Neutral);  // a second frame while the first is being detected
+    };
+    feed(0, Face::Neutral);
+    EXPECT_EQ(detector->calls, 1);
+    EXPECT_EQ(neutralCount(), 1);
+    EXPECT_FALSE(model.isProcessing());
+}
+
+TEST_F(FaceCameraModelTest, ResetAndClearDataStartOverWithoutTouchingTheClockOrFlag)
+{
+    feed(0, Face::Neutral);
+    VextilRepository::sharedInstance()->setFaceImages(model.facesArray());
+    const auto oldArray = model.facesArray();
+
+    model.resetState();
+    settle();
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+    EXPECT_NE(model.facesArray(), oldArray);
+    EXPECT_TRUE(model.facesArray()->isEmpty());
+    EXPECT_TRUE(model.hasFaceInLastFrame());
+    EXPECT_TRUE(model.lastFrameDate().has_value());
+
+    model.clearData();
+    EXPECT_EQ(VextilRepository::sharedInstance()->getFaceImages(), nullptr);
+}
+
+TEST_F(FaceCameraModelTest, TextsGoThroughTheHostsTranslations)
+{
+    class German : public QTranslator {
+    public:
+        QString translate(const char *context, const char *source, const char *, int) const override
+        {
+            if (QLatin1String(context) != QLatin1String("VextilToolkit"))
+                return {};
+            return QLatin1String(source) == QLatin1String("Looking for face") ? QStringLiteral("Suche Gesicht") : QString();
+        }
+        bool isEmpty() const override { return false; }
+    } german;
+    QCoreApplication::installTranslator(&german);
+    EXPECT_EQ(model.getFirstMessageText(), QStringLiteral("Suche Gesicht"));
+    feed(0, Face::Neutral);
+    EXPECT_EQ(delegate.count("message:Checking your face"), 1) << "untranslated keys show the English text";
+    QCoreApplication::removeTranslator(&german);
+}
+
+TEST_F(FaceCameraModelTest, FramesFromACaptureThreadAndResetsOnTheGuiThreadDoNotRace)
+{
+    // Neutral faces a frame apart in simulated time: the capture thread collects while the GUI
+    // thread resets, as when the camera screen reappears mid-capture.
+    std::atomic<bool> done{false};
+    QThread *capture = QThread::create([&] {
+        for (int i = 0; i < 400; ++i) {
+            QList<VextilFaceFeature> faces{{QRectF(20, 60, kNearWidth, 60), i % 7 == 0}};
+            detector->next = faces;
+            model.processFace(image);
+        }
+        done = true;
+    });
+    detector->next = {{QRectF(20, 60, kNearWidth, 60), false}};
+    capture->start();
+    while (!done) {
+        model.resetState();
+        QCoreApplication::processEvents();
+    }
+    capture->wait();
+    delete capture;
+    settle();
+    EXPECT_LE(neutralCount(), 1) << "the clock stands still, so at most one image is held";
+}
+
+}  // namespace

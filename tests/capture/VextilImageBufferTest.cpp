@@ -1,0 +1,106 @@
+#include <VextilToolkit/VextilImageBuffer.h>
+#include <VextilToolkit/VextilVideoFrameMapping.h>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+// A camera-like plane: every pixel blue (B, G, R, X in memory), padding bytes marked.
+struct Plane {
+    Plane(int width, int height, qsizetype stride) : width(width), height(height), stride(stride), bytes(size_t(stride * height), 0xEE)
+    {
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                uchar *p = bytes.data() + y * stride + x * 4;
+                p[0] = 255, p[1] = 0, p[2] = 0, p[3] = 0;
+            }
+    }
+    VextilSampleBuffer buffer() const { return {bytes.data(), qsizetype(bytes.size()), width, height, stride}; }
+
+    int width, height;
+    qsizetype stride;
+    std::vector<uchar> bytes;
+};
+
+TEST(ImageBuffer, PaddedFrameKeepsSizeStrideAndColoursAndOwnsItsCopy)
+{
+    Plane plane(1280, 720, 1280 * 4 + 48);
+    const QImage image = VextilImageBuffer::imageFromSampleBuffer(plane.buffer());
+    ASSERT_FALSE(image.isNull());
+    EXPECT_EQ(image.size(), QSize(1280, 720));
+    EXPECT_EQ(image.format(), QImage::Format_RGB32);
+    EXPECT_EQ(image.bytesPerLine(), plane.stride) << "row padding is kept";
+    EXPECT_EQ(image.sizeInBytes(), plane.stride * 720) << "the whole plane is copied";
+    EXPECT_EQ(image.pixel(0, 0), qRgb(0, 0, 255));
+    EXPECT_EQ(image.pixel(1279, 719), qRgb(0, 0, 255));
+    EXPECT_EQ(image.constBits()[1280 * 4], 0xEE) << "padding bytes are copied as they are";
+
+    std::fill(plane.bytes.begin(), plane.bytes.end(), 0);  // the camera recycles its buffer
+    EXPECT_EQ(image.pixel(640, 360), qRgb(0, 0, 255));
+}
+
+TEST(ImageBuffer, FramesThatDoNotFitTheirStatedSizeAreRefused)
+{
+    Plane plane(64, 32, 64 * 4 + 16);
+    VextilSampleBuffer buffer = plane.buffer();
+    EXPECT_EQ(buffer.status(), VextilSampleBufferStatus::Ok);
+
+    const auto refused = [](VextilSampleBuffer b, VextilSampleBufferStatus expected) {
+        EXPECT_EQ(b.status(), expected);
+        EXPECT_TRUE(VextilImageBuffer::imageFromSampleBuffer(b).isNull());
+    };
+    VextilSampleBuffer b = buffer;
+    b.size -= 1;  // the last row's padding is missing
+    refused(b, VextilSampleBufferStatus::BufferTooSmall);
+    b = buffer;
+    b.height = 1 << 30;
+    refused(b, VextilSampleBufferStatus::BufferTooSmall);
+    b = buffer;
+    b.bytesPerRow = 64 * 4 - 4;
+    refused(b, VextilSampleBufferStatus::RowTooShort);
+    b = buffer;
+    b.bytesPerRow = 64 * 4 + 2;
+    refused(b, VextilSampleBufferStatus::MisalignedRows);
+    b = buffer;
+    b.width = 0;
+    refused(b, VextilSampleBufferStatus::InvalidSize);
+    b = buffer;
+    b.data = nullptr;
+    refused(b, VextilSampleBufferStatus::NoData);
+}
+
+QVideoFrame filledFrame(QVideoFrameFormat::PixelFormat format, const uchar pixel[4])
+{
+    QVideoFrame frame(QVideoFrameFormat(QSize(8, 4), format));
+    EXPECT_TRUE(frame.map(QVideoFrame::WriteOnly));
+    for (int y = 0; y < frame.height(); ++y)
+        for (int x = 0; x < frame.width(); ++x)
+            std::copy(pixel, pixel + 4, frame.bits(0) + y * frame.bytesPerLine(0) + x * 4);
+    frame.unmap();
+    return frame;
+}
+
+TEST(VideoFrameMapping, BgraFramesAreReadDirectlyOtherFormatsAreConverted)
+{
+    const uchar orangeBgra[4] = {0x10, 0x80, 0xF0, 0xFF};
+    const uchar orangeRgba[4] = {0xF0, 0x80, 0x10, 0xFF};
+    for (auto [format, bytes, direct] : {std::tuple{QVideoFrameFormat::Format_BGRA8888, orangeBgra, true},
+                                         std::tuple{QVideoFrameFormat::Format_BGRX8888, orangeBgra, true},
+                                         std::tuple{QVideoFrameFormat::Format_RGBA8888, orangeRgba, false}}) {
+        SCOPED_TRACE(int(format));
+        VextilVideoFrameMapping mapping(filledFrame(format, bytes));
+        ASSERT_EQ(mapping.sampleBuffer().status(), VextilSampleBufferStatus::Ok);
+        EXPECT_EQ(mapping.isDirect(), direct);
+        const QImage image = VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
+        EXPECT_EQ(image.size(), QSize(8, 4));
+        EXPECT_EQ(qRed(image.pixel(7, 3)), 0xF0);
+        EXPECT_EQ(qGreen(image.pixel(7, 3)), 0x80);
+        EXPECT_EQ(qBlue(image.pixel(7, 3)), 0x10);
+    }
+    VextilVideoFrameMapping invalid{QVideoFrame()};
+    EXPECT_NE(invalid.sampleBuffer().status(), VextilSampleBufferStatus::Ok);
+}
+
+}  // namespace

@@ -1,0 +1,38 @@
+# Installs the toolkit into a scratch prefix, then builds and runs a consumer against it, and
+# checks the version rules and the pkg-config file. Run with cmake -P.
+file(REMOVE_RECURSE ${WORK_DIR})
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE code OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT code EQUAL 0)
+    message(FATAL_ERROR "failed: ${ARGN}\n${out}\n${err}")
+  endif()
+  set(last_output "${out}" PARENT_SCOPE)
+endfunction()
+
+set(prefix ${WORK_DIR}/prefix)
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/consumer -DCMAKE_PREFIX_PATH=${prefix})
+run(${CMAKE_COMMAND} --build ${WORK_DIR}/consumer)
+run(${WORK_DIR}/consumer/consumer)
+message(STATUS "${last_output}")
+
+# A host asking for another major version must be turned away.
+execute_process(
+  COMMAND ${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/consumer-v1 -DCMAKE_PREFIX_PATH=${prefix}
+          -DVEXTIL_REQUIRED_VERSION=1.0
+  RESULT_VARIABLE code OUTPUT_QUIET ERROR_QUIET)
+if(code EQUAL 0)
+  message(FATAL_ERROR "a request for major version 1 was accepted by 0.x")
+endif()
+
+file(GLOB pc_dirs ${prefix}/lib*/pkgconfig ${prefix}/lib/*/pkgconfig)
+set(ENV{PKG_CONFIG_PATH} "${pc_dirs}")
+run(pkg-config --exists --print-errors "VextilToolkit >= 0.1")
+run(pkg-config --cflags VextilToolkit)
+string(REGEX MATCH "-I[^ ]*" include_flag "${last_output}")
+string(SUBSTRING "${include_flag}" 2 -1 include_dir)
+get_filename_component(include_dir "${include_dir}" REALPATH)
+if(NOT include_dir STREQUAL "${prefix}/include")
+  message(FATAL_ERROR "pkg-config gives wrong include flags: ${last_output}")
+endif()

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <VextilToolkit/VextilFaceDetector.h>
+
+#include <QString>
+
+#include <memory>
+
+// What the face capture model did over a clip fed frame by frame in simulated time.
+struct ClipRunResult {
+    bool opened = false;               // the clip could be read
+    bool completed = false;            // the model reported finishedCapture
+    int frames = 0;                    // frames fed
+    double firstNeutralSeconds = -1;   // clip time of the first collected neutral image
+    double completionSeconds = -1;     // clip time of the frame that completed the capture
+    int fallbacks = 0;                 // returns to looking for a face after collection began
+    int storedNeutral = 0;             // images the store holds afterwards
+    int storedSmiling = 0;
+};
+
+// Feeds the clip to a fresh model on the given detector, with the clock at each frame's
+// presentation time and the camera view the size of the frames. Needs a QCoreApplication;
+// stops at completion.
+ClipRunResult runClip(const QString &path, std::shared_ptr<VextilFaceDetector> detector);

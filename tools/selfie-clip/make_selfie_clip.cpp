@@ -1,0 +1,117 @@
+// Assembles a portrait selfie clip from two still photos: some time with no face in view,
+// then a neutral face, then a smiling one. Small head movement and sensor noise keep the
+// frames from being identical, as a real camera's are. Deterministic: same input, same clip.
+
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+#include <opencv2/videoio.hpp>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+namespace {
+
+struct Options {
+    std::string neutral, smile, output;
+    int width = 720, height = 1280;
+    double fps = 15, blankSeconds = 1, neutralSeconds = 6, smileSeconds = 3;
+};
+
+bool parse(int argc, char **argv, Options &o)
+{
+    for (int i = 1; i + 1 < argc; i += 2) {
+        const std::string key = argv[i], value = argv[i + 1];
+        if (key == "--neutral") o.neutral = value;
+        else if (key == "--smile") o.smile = value;
+        else if (key == "--output") o.output = value;
+        else if (key == "--fps") o.fps = std::stod(value);
+        else if (key == "--blank-seconds") o.blankSeconds = std::stod(value);
+        else if (key == "--neutral-seconds") o.neutralSeconds = std::stod(value);
+        else if (key == "--smile-seconds") o.smileSeconds = std::stod(value);
+        else return false;
+    }
+    return !o.neutral.empty() && !o.smile.empty() && !o.output.empty() && o.fps > 0;
+}
+
+// Scales a photo to cover the frame and crops the middle, as a phone fills its preview.
+cv::Mat fillFrame(const cv::Mat &photo, cv::Size size)
+{
+    const double scale = std::max(double(size.width) / photo.cols, double(size.height) / photo.rows);
+    cv::Mat scaled;
+    cv::resize(photo, scaled, cv::Size(), scale, scale, cv::INTER_AREA);
+    const cv::Rect middle((scaled.cols - size.width) / 2, (scaled.rows - size.height) / 2, size.width, size.height);
+    return scaled(middle).clone();
+}
+
+// An empty room: a wall in a soft gradient over a darker floor band.
+cv::Mat emptyRoom(cv::Size size)
+{
+    cv::Mat room(size, CV_8UC3);
+    for (int y = 0; y < size.height; ++y) {
+        const double t = double(y) / size.height;
+        const cv::Vec3b colour = t < 0.7 ? cv::Vec3b(uchar(205 - 40 * t), uchar(200 - 30 * t), uchar(190 - 20 * t))
+                                         : cv::Vec3b(70, 80, 95);
+        room.row(y).setTo(colour);
+    }
+    return room;
+}
+
+// A little sway and breathing zoom, then sensor noise.
+cv::Mat cameraFrame(const cv::Mat &scene, double t, cv::RNG &rng)
+{
+    const double zoom = 1.0 + 0.012 * std::sin(2 * M_PI * t / 3.1);
+    const cv::Point2f centre(scene.cols / 2.0f, scene.rows / 2.0f);
+    cv::Mat motion = cv::getRotationMatrix2D(centre, 0.8 * std::sin(2 * M_PI * t / 2.3), zoom);
+    motion.at<double>(0, 2) += 5 * std::sin(2 * M_PI * t / 2.7);
+    motion.at<double>(1, 2) += 4 * std::sin(2 * M_PI * t / 1.9);
+    cv::Mat frame;
+    cv::warpAffine(scene, frame, motion, scene.size(), cv::INTER_LINEAR, cv::BORDER_REFLECT);
+    cv::Mat noise(frame.size(), CV_16SC3);
+    rng.fill(noise, cv::RNG::NORMAL, 0, 2.5);
+    cv::Mat noisy;
+    frame.convertTo(noisy, CV_16SC3);
+    noisy += noise;
+    noisy.convertTo(frame, CV_8UC3);
+    return frame;
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    Options o;
+    if (!parse(argc, argv, o)) {
+        std::fprintf(stderr,
+                     "usage: %s --neutral PHOTO --smile PHOTO --output CLIP.avi [--fps 15] [--blank-seconds 1]"
+                     " [--neutral-seconds 6] [--smile-seconds 3]\n",
+                     argv[0]);
+        return 2;
+    }
+    const cv::Size size(o.width, o.height);
+    const cv::Mat neutral = cv::imread(o.neutral), smile = cv::imread(o.smile);
+    if (neutral.empty() || smile.empty()) {
+        std::fprintf(stderr, "cannot read %s\n", neutral.empty() ? o.neutral.c_str() : o.smile.c_str());
+        return 1;
+    }
+    // OpenCV's own MJPEG writer needs no codec library.
+    cv::VideoWriter writer(o.output, cv::CAP_OPENCV_MJPEG, cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), o.fps, size,
+                           {cv::VIDEOWRITER_PROP_QUALITY, 92});
+    if (!writer.isOpened()) {
+        std::fprintf(stderr, "cannot write %s\n", o.output.c_str());
+        return 1;
+    }
+    const cv::Mat scenes[] = {emptyRoom(size), fillFrame(neutral, size), fillFrame(smile, size)};
+    const double ends[] = {o.blankSeconds, o.blankSeconds + o.neutralSeconds,
+                           o.blankSeconds + o.neutralSeconds + o.smileSeconds};
+    const int frames = int(std::lround(ends[2] * o.fps));
+    cv::RNG rng(20261122);
+    for (int i = 0; i < frames; ++i) {
+        const double t = i / o.fps;
+        const int scene = t < ends[0] ? 0 : t < ends[1] ? 1 : 2;
+        writer.write(cameraFrame(scenes[scene], t, rng));
+    }
+    std::printf("wrote %s: %d frames of %dx%d at %.0f fps\n", o.output.c_str(), frames, o.width, o.height, o.fps);
+    return 0;
+}
