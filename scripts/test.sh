@@ -9,6 +9,7 @@ cmake_args=()
 if [ "${1:-}" = "--sanitize" ]; then
   build=$root/build-${2//,/-}
   cmake_args+=(-DVEXTIL_SANITIZE="$2" -DVEXTIL_BUILD_BENCH=OFF)
+  export TSAN_OPTIONS="suppressions=$root/tests/tsan.supp ${TSAN_OPTIONS:-}"
 fi
 
 "$root/scripts/build.sh" "$build" "${cmake_args[@]}"

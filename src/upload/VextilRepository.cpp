@@ -1,5 +1,8 @@
 #include "VextilToolkit/VextilRepository.h"
 
+#include <QCoreApplication>
+#include <QThread>
+
 namespace {
 
 template <typename T>
@@ -22,7 +25,14 @@ VextilRepository *VextilRepository::sharedInstance()
 {
     // A function-local static is created once even under concurrent first calls, and the
     // pointer is never deleted, so the store outlives every user.
-    static VextilRepository *instance = new VextilRepository;
+    static VextilRepository *instance = [] {
+        auto *store = new VextilRepository;
+        // Whichever thread asks first, the store belongs to the GUI thread, so that its queued
+        // work never depends on a worker thread that may have ended.
+        if (QCoreApplication *app = QCoreApplication::instance(); app && store->thread() != app->thread())
+            store->moveToThread(app->thread());
+        return store;
+    }();
     return instance;
 }
 

@@ -99,6 +99,21 @@ TEST(VideoFrameMapping, BgraFramesAreReadDirectlyOtherFormatsAreConverted)
         EXPECT_EQ(qGreen(image.pixel(7, 3)), 0x80);
         EXPECT_EQ(qBlue(image.pixel(7, 3)), 0x10);
     }
+
+    // A planar camera format goes through Qt's own conversion: luma 200 with neutral chroma is
+    // grey 214 in limited-range BT.601, within rounding.
+    QVideoFrame nv12(QVideoFrameFormat(QSize(8, 4), QVideoFrameFormat::Format_NV12));
+    ASSERT_TRUE(nv12.map(QVideoFrame::WriteOnly));
+    std::fill_n(nv12.bits(0), nv12.mappedBytes(0), 200);
+    std::fill_n(nv12.bits(1), nv12.mappedBytes(1), 128);
+    nv12.unmap();
+    VextilVideoFrameMapping planar(nv12);
+    EXPECT_FALSE(planar.isDirect());
+    const QImage grey = VextilImageBuffer::imageFromSampleBuffer(planar.sampleBuffer());
+    ASSERT_EQ(grey.size(), QSize(8, 4));
+    for (int channel : {qRed(grey.pixel(5, 2)), qGreen(grey.pixel(5, 2)), qBlue(grey.pixel(5, 2))})
+        EXPECT_NEAR(channel, 214, 3);
+
     VextilVideoFrameMapping invalid{QVideoFrame()};
     EXPECT_NE(invalid.sampleBuffer().status(), VextilSampleBufferStatus::Ok);
 }

@@ -1,6 +1,9 @@
 #include <VextilToolkit/VextilRepository.h>
 
+#include <QCoreApplication>
 #include <QThread>
+
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -35,17 +38,14 @@ TEST(Repository, AFreshStoreHoldsNothing)
 TEST(Repository, IsOneInstanceEvenUnderConcurrentFirstCalls)
 {
     std::vector<VextilRepository *> seen(8, nullptr);
-    std::vector<QThread *> threads;
+    std::vector<std::thread> threads;
     for (size_t i = 0; i < seen.size(); ++i)
-        threads.push_back(QThread::create([&seen, i] { seen[i] = VextilRepository::sharedInstance(); }));
-    for (QThread *t : threads)
-        t->start();
-    for (QThread *t : threads) {
-        t->wait();
-        delete t;
-    }
+        threads.emplace_back([&seen, i] { seen[i] = VextilRepository::sharedInstance(); });
+    for (std::thread &t : threads)
+        t.join();
     for (VextilRepository *s : seen)
         EXPECT_EQ(s, store());
+    EXPECT_EQ(store()->thread(), QCoreApplication::instance()->thread()) << "the store lives on the GUI thread";
 }
 
 TEST(Repository, KeepsFaceArraysByReference)
