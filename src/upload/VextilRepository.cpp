@@ -1,9 +1,20 @@
 #include "VextilToolkit/VextilRepository.h"
 
+#include "upload/VextilUploadEndpoint.h"
+#include "upload/VextilUploadSession.h"
+
 #include <QCoreApplication>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSettings>
+#include <QSslConfiguration>
 #include <QThread>
 
 namespace {
+
+// The answer test mode gives without sending anything.
+const QVariantMap kTestAnswer{{QStringLiteral("token"), QStringLiteral("7301586240k58k602")}};
 
 template <typename T>
 T readLocked(QMutex &mutex, const T &field)
@@ -54,6 +65,8 @@ std::optional<QVariantMap> VextilRepository::resultData() const { return readLoc
 void VextilRepository::setResultData(std::optional<QVariantMap> data) { writeLocked(m_mutex, m_resultData, std::move(data)); }
 std::optional<VextilError> VextilRepository::error() const { return readLocked(m_mutex, m_error); }
 void VextilRepository::setError(std::optional<VextilError> error) { writeLocked(m_mutex, m_error, std::move(error)); }
+std::shared_ptr<VextilUploadSession> VextilRepository::session() const { return readLocked(m_mutex, m_session); }
+void VextilRepository::setSession(std::shared_ptr<VextilUploadSession> session) { writeLocked(m_mutex, m_session, std::move(session)); }
 
 bool VextilRepository::hasDocumentFrontImage() const { return !documentFrontImage().isNull(); }
 bool VextilRepository::hasDocumentBackImage() const { return !documentBackImage().isNull(); }
@@ -78,4 +91,101 @@ void VextilRepository::resetAllImages()
 {
     resetDocumentImages();
     resetFaceImages();
+}
+
+VextilUploadContent VextilRepository::content() const
+{
+    QMutexLocker lock(&m_mutex);
+    return {m_documentFrontImage, m_documentBackImage, m_documentType, m_faceImages, m_faceSmileImages};
+}
+
+std::optional<QList<VextilFilePart>> VextilRepository::mountImagesDataWithDataType(VextilDataType dataType) const
+{
+    return VextilUploadRequest::files(content(), dataType);
+}
+
+VextilJsonValue VextilRepository::mountMetaInfoWithDataType(VextilDataType dataType) const
+{
+    return VextilUploadRequest::metaInfo(content(), dataType);
+}
+
+std::optional<QString> VextilRepository::getLocalCertificate()
+{
+    QFile file(QStringLiteral(":/VextilToolkit/_vextilco.crt"));
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    QString text = QString::fromUtf8(file.readAll());
+    // Only the marker lines go; the body keeps its own line breaks, and nothing is decoded.
+    text.remove(QStringLiteral("\r\n-----END CERTIFICATE-----"));
+    text.remove(QStringLiteral("-----BEGIN CERTIFICATE-----\r\n"));
+    return text;
+}
+
+void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallback callBack)
+{
+    setProgress(0.0);
+    const std::optional<QString> key = authKey();
+    if (!key) {
+        callBack(std::nullopt, VextilError::createVextilSDKErrorWithCode(420));
+        return;
+    }
+    const VextilUploadContent snapshot = content();
+    const std::optional<QList<VextilFilePart>> files = VextilUploadRequest::files(snapshot, dataType);
+    if (!files) {
+        callBack(std::nullopt, VextilError::createVextilSDKErrorWithCode(424));
+        return;
+    }
+    const QString boundary = generateBoundary();
+    const VextilMetadataField metadata{QStringLiteral("META_INFOS"),
+                                       jsonStringFromDict(VextilUploadRequest::metaInfo(snapshot, dataType))};
+    const QByteArray body = mountBodyDataWithMetadata(metadata, *files, boundary);
+
+    const VextilUploadEndpoint endpoint = VextilUploadEndpoint::current();
+    QNetworkRequest request(endpoint.url);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::PreferNetwork);
+    request.setTransferTimeout(endpoint.timeoutMs);
+    for (const auto &[name, value] : generateHeaderWithAuthKey(*key, boundary))
+        request.setRawHeader(name, value);
+
+    if (QSettings().value(QStringLiteral("isTest")).toBool()) {
+        setResultData(kTestAnswer);
+        callBack(kTestAnswer, std::nullopt);
+        return;
+    }
+    request.setRawHeader("Content-Length", QByteArray::number(body.size()));
+    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+    tls.addCaCertificates(endpoint.extraAuthorities);
+    request.setSslConfiguration(tls);
+
+    auto session = std::make_shared<VextilUploadSession>();
+    setSession(session);  // replaces an earlier session without stopping its transfer
+    VextilUploadSession::Handlers handlers;
+    handlers.progress = [this](qint64 sent, qint64 total) {
+        if (total > 0)  // Qt reports -1 while the size is unknown
+            setProgress(double(sent) / double(total));
+    };
+    handlers.completion = [this, callBack](const VextilUploadOutcome &outcome) { finishTransfer(outcome, callBack); };
+    session->start(request, body, getLocalCertificate().value_or(QString()), std::move(handlers));
+}
+
+void VextilRepository::finishTransfer(const VextilUploadOutcome &outcome, const SendCallback &callBack)
+{
+    if (outcome.transportFailed) {
+        setError(VextilError::createVextilSDKErrorWithCode(423));
+        callBack(std::nullopt, error());
+        return;
+    }
+    if (outcome.status == 200) {
+        // An answer that is not a JSON object leaves no result, and no error either.
+        const QJsonDocument answer = QJsonDocument::fromJson(outcome.body);
+        const std::optional<QVariantMap> result =
+            answer.isObject() ? std::optional(answer.object().toVariantMap()) : std::nullopt;
+        setResultData(result);
+        callBack(result, std::nullopt);
+        return;
+    }
+    // 402 and 502 share one code on purpose.
+    const bool refused = outcome.status == 402 || outcome.status == 502;
+    setError(VextilError::createVextilSDKErrorWithCode(refused ? 422 : 1500));
+    callBack(std::nullopt, error());
 }

@@ -2,6 +2,7 @@
 
 #include <VextilToolkit/VextilError.h>
 #include <VextilToolkit/VextilToolkitExport.h>
+#include <VextilToolkit/VextilUploadRequest.h>
 #include <VextilToolkit/VextilUploadTypes.h>
 
 #include <QImage>
@@ -11,8 +12,11 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
 #include <optional>
+
+class VextilUploadSession;
 
 /// The one place where everything to be uploaded waits: captured images, the document type,
 /// the host's key, and after an upload the answer or the failure. A process-wide singleton.
@@ -20,11 +24,16 @@
 /// Image arrays are kept by reference, so a later change to an array by its owner shows here;
 /// a reset sets a field to null, never to an empty array. Every accessor may be called from
 /// any thread; the arrays' contents are not guarded once handed over.
+///
+/// It also builds and sends uploads: sendDataWithDataType() posts the stored images over HTTPS
+/// to the upload endpoint (see README: a deployment setting with a run-time override).
 class VEXTIL_EXPORT VextilRepository : public QObject {
     Q_OBJECT
 public:
     /// Images shared by reference; a null pointer is null, not empty.
     using ImageArray = std::shared_ptr<QList<QImage>>;
+    /// Receives an upload's answer (a JSON object) or its error; exactly once per send.
+    using SendCallback = std::function<void(std::optional<QVariantMap> answer, std::optional<VextilError> error)>;
 
     /// The store, created on first use (thread-safely) and never destroyed.
     static VextilRepository *sharedInstance();
@@ -56,6 +65,9 @@ public:
     /// Toolkit error of the last failed transfer.
     std::optional<VextilError> error() const;
     void setError(std::optional<VextilError> error);
+    /// Network session of the most recent upload (opaque); null before the first real transfer.
+    std::shared_ptr<VextilUploadSession> session() const;
+    void setSession(std::shared_ptr<VextilUploadSession> session);
 
     /// Same as documentFrontImage().
     QImage getDocumentFrontImage() const { return documentFrontImage(); }
@@ -86,8 +98,46 @@ public:
     /// Drops all images; leaves the key, document type, answer, error and progress alone.
     void resetAllImages();
 
+    /// Uploads the images the data type selects with their metadata. Fails at once with 420
+    /// (no key) or 424 (images missing); with the "isTest" setting true, answers a fixed token
+    /// synchronously and sends nothing. Otherwise the callback runs on the upload's network
+    /// thread: the answer on HTTP 200, else 422 (402, 502), 1500 (other statuses) or 423
+    /// (transfer failed, or the server refused by the certificate check).
+    void sendDataWithDataType(VextilDataType dataType, SendCallback callBack);
+
+    /// The JPEG files of an upload; nothing when a required image is missing.
+    std::optional<QList<VextilFilePart>> mountImagesDataWithDataType(VextilDataType dataType) const;
+    /// The metadata of an upload; never fails.
+    VextilJsonValue mountMetaInfoWithDataType(VextilDataType dataType) const;
+    /// One entry of the metadata's "files" array.
+    static VextilJsonValue createDictionaryForFileInfo(const QString &fileInfo, const QString &category,
+                                                       const QString &subcategory, const QString &tag)
+    {
+        return VextilUploadRequest::fileInfo(fileInfo, category, subcategory, tag);
+    }
+    /// Pretty-printed JSON text of a metadata dictionary.
+    static QString jsonStringFromDict(const VextilJsonValue &dict) { return QString::fromUtf8(dict.toPrettyJson()); }
+    /// A fresh multipart boundary.
+    static QString generateBoundary() { return VextilUploadRequest::boundary(); }
+    /// The multipart/form-data body of an upload.
+    static QByteArray mountBodyDataWithMetadata(const VextilMetadataField &metadata,
+                                                const QList<VextilFilePart> &filesData, const QString &boundary)
+    {
+        return VextilUploadRequest::body(metadata, filesData, boundary);
+    }
+    /// The request's header fields.
+    static VextilHeaderFields generateHeaderWithAuthKey(const QString &authKey, const QString &boundary)
+    {
+        return VextilUploadRequest::headers(authKey, boundary);
+    }
+    /// The certificate text the upload refuses to talk to: the toolkit's "_vextilco.crt" resource
+    /// without its marker lines; nothing when the resource cannot be read.
+    static std::optional<QString> getLocalCertificate();
+
 private:
     VextilRepository() = default;
+    VextilUploadContent content() const;
+    void finishTransfer(const struct VextilUploadOutcome &outcome, const SendCallback &callBack);
 
     // Keeps each field's reads and writes whole across the capture, GUI and network threads.
     mutable QMutex m_mutex;
@@ -100,4 +150,5 @@ private:
     double m_progress = 0.0;
     std::optional<QVariantMap> m_resultData;
     std::optional<VextilError> m_error;
+    std::shared_ptr<VextilUploadSession> m_session;
 };

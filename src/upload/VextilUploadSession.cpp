@@ -1,0 +1,76 @@
+#include "upload/VextilUploadSession.h"
+
+#include "ui/VextilMainQueue.h"
+
+#include <QCoreApplication>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QSslConfiguration>
+
+namespace {
+
+VextilUploadOutcome outcomeOf(QNetworkReply *reply)
+{
+    VextilUploadOutcome outcome;
+    const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    const QNetworkReply::NetworkError error = reply->error();
+    // Errors below 200 are network and proxy failures, where no complete answer arrived; the
+    // others stand for HTTP statuses, which the caller maps itself.
+    outcome.transportFailed = !status.isValid() || (error > QNetworkReply::NoError && error < 200);
+    outcome.status = status.toInt();
+    outcome.body = reply->readAll();
+    outcome.detail = reply->errorString();
+    return outcome;
+}
+
+}  // namespace
+
+VextilUploadSession::VextilUploadSession()
+{
+    m_thread.setObjectName(QStringLiteral("com.VextilToolkit.upload"));
+}
+
+VextilUploadSession::~VextilUploadSession()
+{
+    m_thread.quit();
+    m_thread.wait();
+}
+
+QString VextilUploadSession::base64Lines(const QByteArray &der)
+{
+    const QByteArray text = der.toBase64();
+    QByteArray lines;
+    for (qsizetype at = 0; at < text.size(); at += 76) {
+        if (at > 0)
+            lines.append("\r\n");
+        lines.append(text.mid(at, 76));
+    }
+    return QString::fromLatin1(lines);
+}
+
+void VextilUploadSession::start(QNetworkRequest request, QByteArray body, QString refusedCertificate, Handlers handlers)
+{
+    // Keeps the session (and its thread) alive until the transfer is over, whoever else
+    // lets go of it meanwhile; it is let go of on the GUI thread, never on its own.
+    auto self = shared_from_this();
+    auto *manager = new QNetworkAccessManager;
+    manager->moveToThread(&m_thread);
+    m_thread.start();
+    QMetaObject::invokeMethod(manager, [self, manager, request, body, refused = std::move(refusedCertificate),
+                                        handlers = std::move(handlers)]() mutable {
+        QNetworkReply *reply = manager->post(request, body);
+        QObject::connect(reply, &QNetworkReply::uploadProgress, reply, handlers.progress);
+        // Runs only once the system has validated the chain: an unvalidated chain fails the
+        // handshake before this point.
+        QObject::connect(reply, &QNetworkReply::encrypted, reply, [reply, refused] {
+            if (base64Lines(reply->sslConfiguration().peerCertificate().toDer()) == refused)
+                reply->abort();
+        });
+        QObject::connect(reply, &QNetworkReply::finished, reply, [self, manager, reply, handlers]() mutable {
+            handlers.completion(outcomeOf(reply));
+            manager->deleteLater();  // with its reply, as the thread finishes
+            self->m_thread.quit();
+            VextilMainQueue::dispatchAsync(qApp, [keep = std::move(self)] {});
+        });
+    });
+}

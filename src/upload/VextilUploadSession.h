@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QByteArray>
+#include <QNetworkRequest>
+#include <QObject>
+#include <QString>
+#include <QThread>
+
+#include <functional>
+#include <memory>
+
+/// How one transfer ended.
+struct VextilUploadOutcome {
+    bool transportFailed = false;  ///< no complete HTTP answer (refused, time-out, TLS, cancelled)
+    int status = 0;                ///< HTTP status when an answer came
+    QByteArray body;               ///< the answer's body
+    QString detail;                ///< what failed, for diagnostics
+};
+
+/// One upload's network session: a thread of its own that owns the network access manager, on
+/// which progress, the server check and completion run. The server is trusted when the system
+/// validates its certificate and its leaf certificate, as 76-column Base64 text, differs from
+/// the refused text. Keeps itself alive until its transfer has completed.
+class VextilUploadSession : public QObject, public std::enable_shared_from_this<VextilUploadSession> {
+    Q_OBJECT
+public:
+    struct Handlers {
+        std::function<void(qint64 sent, qint64 total)> progress;      ///< network thread
+        std::function<void(const VextilUploadOutcome &)> completion;  ///< network thread, exactly once
+    };
+
+    VextilUploadSession();
+    /// Stops the thread and waits for it.
+    ~VextilUploadSession() override;
+
+    /// Posts the body; refusedCertificate is the text a server's leaf must not encode to.
+    void start(QNetworkRequest request, QByteArray body, QString refusedCertificate, Handlers handlers);
+
+    /// DER bytes as Base64 in lines of 76 characters joined by CR LF, no line break at the end.
+    static QString base64Lines(const QByteArray &der);
+
+private:
+    QThread m_thread;
+};

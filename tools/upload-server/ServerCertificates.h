@@ -1,0 +1,32 @@
+#pragma once
+
+#include <openssl/evp.h>
+#include <openssl/x509.h>
+
+#include <memory>
+#include <string>
+
+// A server certificate and key for TLS, either loaded from PEM files or made on the spot
+// together with a certificate authority that signs it.
+class ServerCertificates {
+public:
+    struct Deleter {
+        void operator()(X509 *c) const { X509_free(c); }
+        void operator()(EVP_PKEY *k) const { EVP_PKEY_free(k); }
+    };
+    using Certificate = std::unique_ptr<X509, Deleter>;
+    using Key = std::unique_ptr<EVP_PKEY, Deleter>;
+
+    // A new authority, and a certificate for localhost and 127.0.0.1 that it signs.
+    static ServerCertificates generate();
+    // The certificate and key of these PEM files; empty members when either cannot be read.
+    static ServerCertificates load(const std::string &certificatePath, const std::string &keyPath);
+
+    // Writes the authority's certificate as PEM; false when there is none or writing fails.
+    bool writeAuthority(const std::string &path) const;
+    bool isValid() const { return certificate && key; }
+
+    Certificate authority;
+    Certificate certificate;
+    Key key;
+};
