@@ -2,13 +2,20 @@
 // when a test processes events.
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QGuiApplication>
+#include <QSettings>
 
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", qgetenv("QT_QPA_PLATFORM").isEmpty() ? QByteArray("offscreen")
                                                                      : qgetenv("QT_QPA_PLATFORM"));
     QGuiApplication app(argc, argv);
+    // Host settings (such as "isTest") go to a folder of this run, never the user's own.
+    QCoreApplication::setOrganizationName(QStringLiteral("VextilToolkitTests"));
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope,
+                       QDir::temp().filePath(QStringLiteral("vextil-tests-%1").arg(QCoreApplication::applicationPid())));
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -1,0 +1,279 @@
+#include "ReferenceServer.h"
+
+#include <VextilToolkit/VextilRepository.h>
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QMutex>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QSslSocket>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// What a send delivered, gathered from whichever thread the callback ran on.
+struct Delivery {
+    QMutex mutex;
+    int calls = 0;
+    std::optional<QVariantMap> answer;
+    std::optional<VextilError> error;
+    QThread *thread = nullptr;
+
+    VextilRepository::SendCallback callback()
+    {
+        return [this](std::optional<QVariantMap> a, std::optional<VextilError> e) {
+            QMutexLocker lock(&mutex);
+            ++calls;
+            answer = std::move(a);
+            error = std::move(e);
+            thread = QThread::currentThread();
+        };
+    }
+    int callCount()
+    {
+        QMutexLocker lock(&mutex);
+        return calls;
+    }
+    int code()
+    {
+        QMutexLocker lock(&mutex);
+        return error ? error->code : 0;
+    }
+};
+
+QImage portrait(int seed)
+{
+    QImage image(120, 160, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, qRgb((x * 2 + seed * 40) % 256, (y + seed * 13) % 256, (x + y) % 256));
+    return image;
+}
+
+QByteArray bestJpeg(const QImage &image)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "JPEG", 100);
+    return bytes;
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+class UploadTransferTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        store->resetAllImages();
+        store->setAuthKey(QString::fromLatin1(ReferenceServer::kKey));
+        auto neutral = std::make_shared<QList<QImage>>(), smiling = std::make_shared<QList<QImage>>();
+        for (int i = 0; i < 5; ++i)
+            neutral->append(portrait(i));
+        for (int i = 5; i < 7; ++i)
+            smiling->append(portrait(i));
+        store->setFaceImages(neutral);
+        store->setFaceSmileImages(smiling);
+        store->setError(std::nullopt);
+        QSettings().setValue("isTest", false);
+        qunsetenv("VEXTIL_UPLOAD_TIMEOUT_MS");
+    }
+
+    static void pointAt(const QString &host, const QString &authority = {})
+    {
+        qputenv("VEXTIL_UPLOAD_HOST", host.toUtf8());
+        qputenv("VEXTIL_UPLOAD_CA_FILE", authority.toUtf8());
+    }
+
+    // Sends the face data and waits for the callback, then a little longer, where a second
+    // call would show.
+    static void sendAndWait(Delivery &delivery)
+    {
+        VextilRepository::sharedInstance()->sendDataWithDataType(VextilDataTypeFace, delivery.callback());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return delivery.callCount() > 0; }, 20000)) << "no callback";
+        QTest::qWait(50);
+        EXPECT_EQ(delivery.callCount(), 1);
+    }
+
+    VextilRepository *store = VextilRepository::sharedInstance();
+};
+
+TEST_F(UploadTransferTest, AFaceUploadArrivesIntactAndIsAnsweredOnTheNetworkThread)
+{
+    ReferenceServer server;
+    ASSERT_TRUE(server.isRunning());
+    pointAt(server.host(), server.authorityFile());
+    Delivery delivery;
+    sendAndWait(delivery);
+
+    ASSERT_FALSE(delivery.error.has_value()) << delivery.error->code;
+    ASSERT_TRUE(delivery.answer.has_value());
+    EXPECT_EQ(delivery.answer->value("token").toString().size(), 32);
+    EXPECT_EQ(store->resultData(), delivery.answer);
+    EXPECT_NE(delivery.thread, QThread::currentThread());
+    EXPECT_DOUBLE_EQ(store->getProgress(), 1.0);
+
+    const QStringList folders = server.uploadFolders();
+    ASSERT_EQ(folders.size(), 1);
+    const QDir upload(folders.first());
+    for (int i = 0; i < 7; ++i) {
+        const QImage &captured = i < 5 ? store->getFaceImages()->at(i) : store->getFaceSmileImagess()->at(i - 5);
+        EXPECT_EQ(readFile(upload.filePath(QStringLiteral("file_%1.jpeg").arg(i + 1))), bestJpeg(captured)) << i + 1;
+    }
+    EXPECT_EQ(readFile(upload.filePath("META_INFOS.json")),
+              VextilRepository::jsonStringFromDict(store->mountMetaInfoWithDataType(VextilDataTypeFace)).toUtf8());
+}
+
+TEST_F(UploadTransferTest, HttpStatusesMapToToolkitErrors)
+{
+    for (const auto &[status, code] : {std::pair{402, 422}, {502, 422}, {500, 1500}, {201, 1500}, {404, 1500}}) {
+        SCOPED_TRACE(status);
+        ReferenceServer server({"--status", QString::number(status)});
+        pointAt(server.host(), server.authorityFile());
+        Delivery delivery;
+        sendAndWait(delivery);
+        EXPECT_EQ(delivery.code(), code);
+        EXPECT_FALSE(delivery.answer.has_value());
+        EXPECT_EQ(store->error()->code, code) << "the error is also stored";
+    }
+
+    ReferenceServer plain({"--status", "200", "--body", "not json"});
+    pointAt(plain.host(), plain.authorityFile());
+    Delivery delivery;
+    sendAndWait(delivery);
+    EXPECT_FALSE(delivery.answer.has_value());
+    EXPECT_FALSE(delivery.error.has_value()) << "a 200 that is not JSON gives neither";
+}
+
+TEST_F(UploadTransferTest, FailedTransfersAre423)
+{
+    // A port nobody listens on.
+    QTcpServer probe;
+    ASSERT_TRUE(probe.listen(QHostAddress::LocalHost));
+    const quint16 closedPort = probe.serverPort();
+    probe.close();
+
+    // Servers that accept and then stay silent, hang up, or answer in plain text.
+    QTcpServer silent, hangsUp, garbage;
+    QList<QTcpSocket *> held;
+    silent.listen(QHostAddress::LocalHost);
+    QObject::connect(&silent, &QTcpServer::newConnection, [&] { held.append(silent.nextPendingConnection()); });
+    hangsUp.listen(QHostAddress::LocalHost);
+    QObject::connect(&hangsUp, &QTcpServer::newConnection, [&] { delete hangsUp.nextPendingConnection(); });
+    garbage.listen(QHostAddress::LocalHost);
+    QObject::connect(&garbage, &QTcpServer::newConnection, [&] {
+        QTcpSocket *socket = garbage.nextPendingConnection();
+        socket->write("HTTP/1.1 200 OK\r\n\r\n{\"token\":\"not over TLS\"}");
+        socket->disconnectFromHost();
+    });
+    ReferenceServer untrusted;
+
+    qputenv("VEXTIL_UPLOAD_TIMEOUT_MS", "400");
+    const QString local = QStringLiteral("127.0.0.1:%1");
+    for (const auto &[what, host] : {std::pair{"refused", local.arg(closedPort)}, {"silent", local.arg(silent.serverPort())},
+                                     {"hangs up", local.arg(hangsUp.serverPort())}, {"garbage", local.arg(garbage.serverPort())},
+                                     {"untrusted", untrusted.host()}}) {
+        SCOPED_TRACE(what);
+        pointAt(host);
+        Delivery delivery;
+        sendAndWait(delivery);
+        EXPECT_EQ(delivery.code(), 423);
+    }
+    EXPECT_EQ(untrusted.logged("POST /file"), 0);
+    qDeleteAll(held);
+}
+
+TEST_F(UploadTransferTest, TheDenyListedCertificateIsRefusedBeforeAnythingIsSent)
+{
+    const QString tls = QStringLiteral(VEXTIL_TEST_DATA_DIR "/tls/");
+    ReferenceServer server({"--cert", tls + "denylisted-server.pem", "--cert-key", tls + "denylisted-server.key"});
+    ASSERT_TRUE(server.isRunning());
+    pointAt(server.host(), tls + "denylisted-server.pem");  // trusted by the system check
+    Delivery delivery;
+    sendAndWait(delivery);
+    EXPECT_EQ(delivery.code(), 423);
+    EXPECT_EQ(server.logged("POST /file"), 0);
+
+    // The system check alone accepts this server: the refusal is the deny check's.
+    QSslSocket socket;
+    QSslConfiguration config = QSslConfiguration::defaultConfiguration();
+    config.addCaCertificates(QSslCertificate::fromPath(tls + "denylisted-server.pem"));
+    socket.setSslConfiguration(config);
+    socket.connectToHostEncrypted("127.0.0.1", quint16(server.host().section(':', 1).toUInt()));
+    EXPECT_TRUE(socket.waitForEncrypted(5000)) << qPrintable(socket.errorString());
+    EXPECT_EQ(VextilRepository::getLocalCertificate(),
+              QString::fromLatin1(socket.peerCertificate().toDer().toBase64()).replace(QRegularExpression("(.{76})(?!$)"), "\\1\r\n"));
+}
+
+TEST_F(UploadTransferTest, TestModeAnswersAtOnceAndSendsNothing)
+{
+    ReferenceServer server;
+    pointAt(server.host(), server.authorityFile());
+    QSettings().setValue("isTest", true);
+    Delivery delivery;
+    store->sendDataWithDataType(VextilDataTypeFace, delivery.callback());
+    EXPECT_EQ(delivery.callCount(), 1) << "before the send returned";
+    EXPECT_EQ(delivery.answer->value("token").toString(), "7301586240k58k602");
+    EXPECT_EQ(delivery.thread, QThread::currentThread());
+    EXPECT_EQ(store->getProgress(), 0.0);
+    QTest::qWait(300);
+    EXPECT_EQ(server.logged("POST /file"), 0);
+    EXPECT_EQ(delivery.callCount(), 1);
+}
+
+TEST_F(UploadTransferTest, MissingKeyOrImagesFailBeforeAnyRequestButEmptyArraysAreSent)
+{
+    ReferenceServer server;
+    pointAt(server.host(), server.authorityFile());
+    Delivery noKey, noImages;
+    store->setAuthKey(std::nullopt);
+    store->sendDataWithDataType(VextilDataTypeFace, noKey.callback());
+    EXPECT_EQ(noKey.code(), 420);
+
+    store->setAuthKey(QString::fromLatin1(ReferenceServer::kKey));
+    store->resetFaceImages();
+    store->sendDataWithDataType(VextilDataTypeFace, noImages.callback());
+    EXPECT_EQ(noImages.code(), 424);
+    EXPECT_FALSE(store->error().has_value()) << "420 and 424 are not stored";
+    QTest::qWait(200);
+    EXPECT_EQ(server.logged("POST /file"), 0);
+
+    store->setFaceImages(std::make_shared<QList<QImage>>());
+    store->setFaceSmileImages(std::make_shared<QList<QImage>>());
+    Delivery empty;
+    sendAndWait(empty);
+    EXPECT_TRUE(empty.answer.has_value()) << "an empty upload is not refused";
+}
+
+TEST_F(UploadTransferTest, TwoSendsInFlightAreEachCalledBackOnceAndOversizedBodiesAreRefused)
+{
+    ReferenceServer server;
+    pointAt(server.host(), server.authorityFile());
+    Delivery first, second;
+    store->sendDataWithDataType(VextilDataTypeFace, first.callback());
+    store->sendDataWithDataType(VextilDataTypeFace, second.callback());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return first.callCount() && second.callCount(); }, 20000));
+    QTest::qWait(100);
+    EXPECT_EQ(first.callCount(), 1);
+    EXPECT_EQ(second.callCount(), 1);
+    EXPECT_EQ(server.uploadFolders().size(), 2);
+
+    ReferenceServer small({"--max-body", "4000"});
+    pointAt(small.host(), small.authorityFile());
+    Delivery tooLarge;
+    sendAndWait(tooLarge);
+    EXPECT_EQ(tooLarge.code(), 1500) << "413 is another status";
+}
+
+}  // namespace
