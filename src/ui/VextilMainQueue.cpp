@@ -1,5 +1,7 @@
 #include "ui/VextilMainQueue.h"
 
+#include "ui/VextilThreadHandoff.h"
+
 #include <QCoreApplication>
 #include <QPointer>
 
@@ -8,11 +10,9 @@ void VextilMainQueue::dispatchAsync(QObject *guard, std::function<void()> work)
     QPointer<QObject> alive(guard);
     // Posting to the application object keeps one queue for all of the toolkit's GUI work,
     // whatever thread the guard lives in.
-    QMetaObject::invokeMethod(
-        qApp,
-        [alive, work = std::move(work)] {
-            if (alive)
-                work();
-        },
-        Qt::QueuedConnection);
+    QMetaObject::invokeMethod(qApp, VextilThreadHandoff([alive, work = std::move(work)] {
+                                  if (alive)
+                                      work();
+                              }),
+                              Qt::QueuedConnection);
 }

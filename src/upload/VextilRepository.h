@@ -17,6 +17,7 @@
 #include <optional>
 
 class VextilUploadSession;
+struct VextilUploadOutcome;
 
 /// The one place where everything to be uploaded waits: captured images, the document type,
 /// the host's key, and after an upload the answer or the failure. A process-wide singleton.
@@ -137,7 +138,7 @@ public:
 private:
     VextilRepository() = default;
     VextilUploadContent content() const;
-    void finishTransfer(const struct VextilUploadOutcome &outcome, const SendCallback &callBack);
+    void finishTransfer(const VextilUploadOutcome &outcome, const SendCallback &callBack);
 
     // Keeps each field's reads and writes whole across the capture, GUI and network threads.
     mutable QMutex m_mutex;

@@ -1,6 +1,7 @@
 #include "upload/VextilUploadSession.h"
 
 #include "ui/VextilMainQueue.h"
+#include "ui/VextilThreadHandoff.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
@@ -56,8 +57,9 @@ void VextilUploadSession::start(QNetworkRequest request, QByteArray body, QStrin
     auto *manager = new QNetworkAccessManager;
     manager->moveToThread(&m_thread);
     m_thread.start();
-    QMetaObject::invokeMethod(manager, [self, manager, request, body, refused = std::move(refusedCertificate),
-                                        handlers = std::move(handlers)]() mutable {
+    QMetaObject::invokeMethod(manager, VextilThreadHandoff([self, manager, request, body,
+                                                                  refused = std::move(refusedCertificate),
+                                                                  handlers = std::move(handlers)]() mutable {
         QNetworkReply *reply = manager->post(request, body);
         QObject::connect(reply, &QNetworkReply::uploadProgress, reply, handlers.progress);
         // Runs only once the system has validated the chain: an unvalidated chain fails the
@@ -72,5 +74,5 @@ void VextilUploadSession::start(QNetworkRequest request, QByteArray body, QStrin
             self->m_thread.quit();
             VextilMainQueue::dispatchAsync(qApp, [keep = std::move(self)] {});
         });
-    });
+    }));
 }
