@@ -1,8 +1,8 @@
 #include "ReferenceServer.h"
+#include "TestImages.h"
 
 #include <VextilToolkit/VextilRepository.h>
 
-#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QMutex>
@@ -55,15 +55,6 @@ QImage portrait(int seed)
         for (int x = 0; x < image.width(); ++x)
             image.setPixel(x, y, qRgb((x * 2 + seed * 40) % 256, (y + seed * 13) % 256, (x + y) % 256));
     return image;
-}
-
-QByteArray bestJpeg(const QImage &image)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "JPEG", 100);
-    return bytes;
 }
 
 QByteArray readFile(const QString &path)
@@ -129,7 +120,7 @@ TEST_F(UploadTransferTest, AFaceUploadArrivesIntactAndIsAnsweredOnTheNetworkThre
     const QDir upload(folders.first());
     for (int i = 0; i < 7; ++i) {
         const QImage &captured = i < 5 ? store->getFaceImages()->at(i) : store->getFaceSmileImagess()->at(i - 5);
-        EXPECT_EQ(readFile(upload.filePath(QStringLiteral("file_%1.jpeg").arg(i + 1))), bestJpeg(captured)) << i + 1;
+        EXPECT_EQ(readFile(upload.filePath(QStringLiteral("file_%1.jpeg").arg(i + 1))), encodeJpeg(captured, 100)) << i + 1;
     }
     EXPECT_EQ(readFile(upload.filePath("META_INFOS.json")),
               VextilRepository::jsonStringFromDict(store->mountMetaInfoWithDataType(VextilDataTypeFace)).toUtf8());

@@ -1,6 +1,7 @@
+#include "TestImages.h"
+
 #include <VextilToolkit/VextilRepository.h>
 
-#include <QBuffer>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -13,15 +14,6 @@ QImage solid(QRgb colour, int width = 32, int height = 48)
     QImage image(width, height, QImage::Format_RGB32);
     image.fill(colour);
     return image;
-}
-
-QByteArray jpeg(const QImage &image, int quality)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "JPEG", quality);
-    return bytes;
 }
 
 VextilRepository::ImageArray images(int count, QRgb colour)
@@ -80,8 +72,8 @@ TEST_F(UploadRequestTest, FacesAreBestQualityJpegsNeutralFirstThenSmiling)
     ASSERT_TRUE(files.has_value());
     ASSERT_EQ(files->size(), 3);
     EXPECT_EQ(files->at(0).name, "file_1.jpeg");
-    EXPECT_EQ(files->at(0).data, jpeg(store->getFaceImages()->at(0), 100));
-    EXPECT_EQ(files->at(2).data, jpeg(store->getFaceSmileImagess()->at(0), 100));
+    EXPECT_EQ(files->at(0).data, encodeJpeg(store->getFaceImages()->at(0), 100));
+    EXPECT_EQ(files->at(2).data, encodeJpeg(store->getFaceSmileImagess()->at(0), 100));
     EXPECT_EQ(entries(store->mountMetaInfoWithDataType(VextilDataTypeFace)),
               (QStringList{"file_1.jpeg photo selfie default", "file_2.jpeg photo selfie default", "file_3.jpeg photo selfie smile"}));
 }
@@ -129,7 +121,7 @@ TEST_F(UploadRequestTest, DocumentTypesSelectTheirSidesAndWords)
         const auto files = store->mountImagesDataWithDataType(VextilDataTypeDocument);
         EXPECT_EQ(files ? int(files->size()) : -1, c.files);
         if (files && !files->isEmpty()) {
-            EXPECT_EQ(files->first().data, jpeg(front, 90)) << "documents are encoded at 0.9";
+            EXPECT_EQ(files->first().data, encodeJpeg(front, 90)) << "documents are encoded at 0.9";
         }
         EXPECT_EQ(entries(store->mountMetaInfoWithDataType(VextilDataTypeDocument)), c.meta);
     }
