@@ -3,14 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QGuiApplication>
+#include <QApplication>
 #include <QSettings>
 
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", qgetenv("QT_QPA_PLATFORM").isEmpty() ? QByteArray("offscreen")
                                                                      : qgetenv("QT_QPA_PLATFORM"));
-    QGuiApplication app(argc, argv);
+    QApplication app(argc, argv);
     // Host settings (such as "isTest") go to a folder of this run, never the user's own.
     QCoreApplication::setOrganizationName(QStringLiteral("VextilToolkitTests"));
     QSettings::setDefaultFormat(QSettings::IniFormat);

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <VextilToolkit/VextilImageView.h>
+#include <VextilToolkit/VextilLabel.h>
+#include <VextilToolkit/VextilToolkitExport.h>
+#include <VextilToolkit/VextilVideoPreview.h>
+
+#include <QWidget>
+
+/// The camera screen's picture area: the live camera picture under a face frame in white (no
+/// steady face) or green (face being collected), the logo, and a "SMILE!" popup in the middle.
+class VEXTIL_EXPORT VextilFaceCameraView : public QWidget {
+    Q_OBJECT
+public:
+    explicit VextilFaceCameraView(QWidget *parent = nullptr);
+
+    VextilImageView *whiteMaskView() const { return m_whiteMask; }
+    VextilImageView *greenMaskView() const { return m_greenMask; }
+    VextilImageView *vextilLogoView() const { return m_logo; }
+    QWidget *popupView() const { return m_popup; }
+    VextilLabel *popupLabel() const { return m_popupLabel; }
+    /// The live picture; the camera hands it frames.
+    VextilVideoPreview *videoPreviewLayer() const { return m_preview; }
+
+    /// Swaps the white and the green frame; any thread, applied on the GUI thread in call order.
+    void changeMaskState();
+    /// Hides or shows the "SMILE!" popup; any thread, applied on the GUI thread in call order.
+    void isPopupHidden(bool hidden);
+
+    /// Fixed colours of the popup.
+    static QColor popupTextColor() { return QColor::fromRgbF(0.0f, 0.59f, 0.53f, 1.0f); }
+    static QColor popupBackgroundColor() { return QColor::fromRgbF(1.0f, 1.0f, 1.0f, 0.7f); }
+
+protected:
+    void resizeEvent(QResizeEvent *) override { setupConstraints(); }
+    void paintEvent(QPaintEvent *) override;
+
+private:
+    void setupViews();
+    void setupConstraints();
+
+    VextilVideoPreview *m_preview = nullptr;
+    VextilImageView *m_whiteMask = nullptr;
+    VextilImageView *m_greenMask = nullptr;
+    VextilImageView *m_logo = nullptr;
+    QWidget *m_popup = nullptr;
+    VextilLabel *m_popupLabel = nullptr;
+};

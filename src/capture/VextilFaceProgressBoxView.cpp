@@ -1,0 +1,48 @@
+#include "VextilToolkit/VextilFaceProgressBoxView.h"
+
+#include "ui/VextilFrame.h"
+#include "ui/VextilMainQueue.h"
+
+VextilFaceProgressBoxView::VextilFaceProgressBoxView(QWidget *parent) : QWidget(parent), m_defaultColor(Qt::white)
+{
+    setupViews();
+    setupConstraints();
+}
+
+void VextilFaceProgressBoxView::setupViews()
+{
+    m_label = new VextilLabel(this);
+    QFont font = m_label->font();
+    font.setPixelSize(18);
+    m_label->setBaseFont(font);
+    m_label->setAlignment(Qt::AlignCenter);
+    m_label->setAdjustsFontSizeToFitWidth(true);
+    QPalette palette = m_label->palette();
+    palette.setColor(QPalette::WindowText, m_defaultColor);
+    m_label->setPalette(palette);
+    m_bar = new VextilFaceProgressBar(this);
+    m_bar->setAccessibleName(QStringLiteral("Progress"));
+}
+
+void VextilFaceProgressBoxView::setupConstraints()
+{
+    const QRectF box = rect();
+    const QRectF bar = VextilFrame().centerX(box.center().x()).height(15).width(0.8 * box.width()).centerY(box.center().y() + 10).rect();
+    m_bar->setGeometry(bar.toRect());
+    m_label->setGeometry(VextilFrame().centerX(box.center().x()).bottom(bar.top() - 30).width(box.width()).height(20).pixels());
+}
+
+void VextilFaceProgressBoxView::updateProgress(double progress)
+{
+    VextilMainQueue::dispatchAsync(this, [this, progress] { m_bar->updateProgress(progress); });
+}
+
+void VextilFaceProgressBoxView::updateInstructionsLabelWithText(const QString &text)
+{
+    VextilMainQueue::dispatchAsync(this, [this, text] { m_label->setText(text); });
+}
+
+void VextilFaceProgressBoxView::isProgressBarHidden(bool hidden)
+{
+    VextilMainQueue::dispatchAsync(this, [this, hidden] { m_bar->setHidden(hidden); });
+}

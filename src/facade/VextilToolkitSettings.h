@@ -1,0 +1,45 @@
+#pragma once
+
+#include <VextilToolkit/VextilColorScheme.h>
+#include <VextilToolkit/VextilToolkitExport.h>
+
+#include <QMutex>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+/// The host's configuration: its authentication key and the colour scheme of the review
+/// screen and the tutorial. A process-wide singleton; call it from the GUI thread.
+class VEXTIL_EXPORT VextilToolkitSettings {
+public:
+    /// The settings, created on first use (thread-safely) and never destroyed.
+    static VextilToolkitSettings *sharedInstance();
+
+    /// Stores the key and hands it to the upload store; always true. Despite its name it
+    /// configures the shared instance rather than creating one.
+    bool initWithAuthKey(const std::optional<QString> &authKey);
+    /// The key given to initWithAuthKey (or setAuthKey); empty until then.
+    std::optional<QString> authKey() const;
+    /// Stores the key here only: the upload store does not learn it.
+    void setAuthKey(const std::optional<QString> &authKey);
+
+    /// Replaces the colours of every screen built afterwards; null is stored as given (screens
+    /// then fall back to the default colours).
+    void setColorScheme(std::shared_ptr<VextilColorScheme> colorScheme);
+    /// The scheme in force: a VextilDefaultColorScheme unless the host set another.
+    std::shared_ptr<VextilColorScheme> getColorScheme() const;
+    std::shared_ptr<VextilColorScheme> colorScheme() const { return getColorScheme(); }
+
+    /// Draws the tutorial without a blur (black at 75% opacity) for users who ask for reduced
+    /// transparency. Qt exposes no such system preference, so it is off until the host sets it.
+    void setReduceTransparency(bool reduce);
+    bool isReduceTransparencyEnabled() const;
+
+private:
+    VextilToolkitSettings();
+    mutable QMutex m_mutex;
+    std::optional<QString> m_authKey;
+    std::shared_ptr<VextilColorScheme> m_colorScheme;
+    bool m_reduceTransparency = false;
+};

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <VextilToolkit/VextilTutorialView.h>
+
+/// The selfie tutorial: light, no glasses or hat, smile, automatic capture.
+class VEXTIL_EXPORT VextilTutorialFace : public VextilTutorialView {
+    Q_OBJECT
+public:
+    explicit VextilTutorialFace(QWidget *parent = nullptr);
+
+    /// The four tips' texts, as translation keys (the first keeps its double blank).
+    static QStringList tipTexts();
+
+protected:
+    void setupViews();
+};

@@ -1,0 +1,224 @@
+#include "VextilToolkit/VextilTutorialView.h"
+
+#include "ui/VextilFrame.h"
+#include "ui/VextilSchemeAccess.h"
+
+#include <QCoreApplication>
+#include <QGraphicsBlurEffect>
+#include <QGraphicsOpacityEffect>
+#include <QPainter>
+#include <QPropertyAnimation>
+#include <QPointer>
+#include <QScopedValueRollback>
+
+namespace {
+
+constexpr double kLabelAspect = 0.3673469387755102;  // 18 / 49
+
+// What lies beneath the pop-up, blurred and darkened.
+class BlurBackdrop : public QWidget {
+public:
+    explicit BlurBackdrop(QWidget *overlay) : QWidget(overlay), m_overlay(overlay)
+    {
+        auto *blur = new QGraphicsBlurEffect(this);
+        blur->setBlurRadius(24);
+        blur->setBlurHints(QGraphicsBlurEffect::PerformanceHint);
+        setGraphicsEffect(blur);
+    }
+
+    // Draws the overlay's parent and the siblings stacked beneath the overlay, not the overlay.
+    void capture()
+    {
+        QWidget *under = m_overlay->parentWidget();
+        // Rendering the parent delivers pending resize events, the overlay's among them, which
+        // would ask for another capture.
+        if (!under || m_overlay->size().isEmpty() || m_capturing)
+            return;
+        const QScopedValueRollback<bool> busy(m_capturing, true);
+        const qreal ratio = devicePixelRatioF();
+        QPixmap shot(m_overlay->size() * ratio);
+        shot.setDevicePixelRatio(ratio);
+        shot.fill(Qt::black);
+        QPainter painter(&shot);
+        painter.translate(-m_overlay->pos());
+        under->render(&painter, QPoint(), QRegion(), QWidget::DrawWindowBackground);
+        for (QObject *child : under->children()) {
+            auto *sibling = qobject_cast<QWidget *>(child);
+            if (sibling == m_overlay)
+                break;  // the rest lies above the overlay
+            if (sibling && sibling->isVisible())
+                sibling->render(&painter, sibling->pos(), QRegion(), QWidget::DrawWindowBackground | QWidget::DrawChildren);
+        }
+        painter.end();
+        m_shot = shot;
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.drawPixmap(0, 0, m_shot);
+        painter.fillRect(rect(), QColor(0, 0, 0, 140));  // the dark style of the blur
+    }
+
+private:
+    QWidget *m_overlay;
+    QPixmap m_shot;
+    bool m_capturing = false;
+};
+
+// The rounded box holding the tips.
+class RoundedBox : public QWidget {
+public:
+    RoundedBox(QColor colour, QWidget *parent) : QWidget(parent), m_colour(colour) {}
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(m_colour);
+        painter.drawRoundedRect(rect(), 5, 5);
+    }
+
+private:
+    QColor m_colour;
+};
+
+}  // namespace
+
+VextilTutorialView::VextilTutorialView(QWidget *parent) : QWidget(parent)
+{
+    m_blur = new BlurBackdrop(this);
+    addBlurEffectView();
+}
+
+void VextilTutorialView::addBlurEffectView()
+{
+    m_reduceTransparency = VextilToolkitSettings::sharedInstance()->isReduceTransparencyEnabled();
+    if (m_reduceTransparency) {
+        // Black at 75%, box included, instead of a blur.
+        m_blur->hide();
+        m_blur->setParent(nullptr);
+        m_blur->deleteLater();
+        m_blur = nullptr;
+        auto *opacity = new QGraphicsOpacityEffect(this);
+        opacity->setOpacity(0.75);
+        setGraphicsEffect(opacity);
+    } else {
+        m_blur->setGeometry(rect());
+    }
+    addViews();
+}
+
+void VextilTutorialView::addViews()
+{
+    const auto scheme = currentColorScheme();
+    m_content = new RoundedBox(scheme->popUpBackgroundColor(), this);
+    for (auto &icon : m_icons) {
+        icon = new VextilImageView({}, m_content);
+        icon->setContentMode(VextilImageView::ContentMode::ScaleAspectFit);
+    }
+    for (auto &label : m_labels) {
+        label = new QLabel(m_content);
+        QPalette palette = label->palette();
+        palette.setColor(QPalette::WindowText, scheme->popUpTextColor());
+        label->setPalette(palette);
+        label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+        QFont font = label->font();
+        font.setPixelSize(10);
+        label->setFont(font);
+        label->setWordWrap(true);  // three lines fit the fixed height
+    }
+    m_nextButton = new VextilButton(m_content);
+    m_nextButton->setText(QCoreApplication::translate("VextilToolkit", "OK, I got it"));
+    m_nextButton->setAccessibleName(m_nextButton->text());
+    m_nextButton->setTitleColor(scheme->popUpButtonTintColorForState(kVextilHighlighted));
+    QFont font = m_nextButton->font();
+    font.setPixelSize(19);
+    font.setWeight(QFont::Bold);
+    m_nextButton->setFont(font);
+    m_nextButton->setBackgroundColor(scheme->popUpButtonBackgroundColorForState(kVextilHighlighted));
+    m_nextButton->setCornerRadius(5);
+    // The pop-up starts to close as the finger lands.
+    connect(m_nextButton, &QAbstractButton::pressed, this, &VextilTutorialView::didTappedNextButton);
+}
+
+void VextilTutorialView::updateConstraints()
+{
+    const QRectF screen = rect();
+    m_content->setGeometry(VextilFrame().centerX(screen.center().x()).centerY(screen.center().y()).width(288).height(454).pixels());
+    const QRectF box(0, 0, 288, 454);
+    m_nextButton->setGeometry(VextilFrame().centerX(box.center().x()).bottom(box.bottom() - 20).height(44).width(box.width() * 0.8).pixels());
+
+    const double side = box.width() * 0.35;
+    const QRectF topLeft = VextilFrame().width(side).height(side).left(box.left() + 30).top(box.top() + 40).rect();
+    const QRectF topLeftLabel = VextilFrame().centerX(topLeft.center().x()).top(topLeft.bottom()).width(side * 1.1).height(side * 1.1 * kLabelAspect).rect();
+    const QRectF topRight = VextilFrame().width(side).height(side).centerY(topLeft.center().y()).right(box.right() - 30).rect();
+    const QRectF topRightLabel = VextilFrame().centerX(topRight.center().x()).width(side * 1.1).top(topLeftLabel.top()).height(side * 1.1 * kLabelAspect).rect();
+    const QRectF bottomLeft = VextilFrame().width(side).height(side).centerX(topLeft.center().x()).top(topLeftLabel.bottom() + 20).rect();
+    // The bottom-right icon alone is not square: its height is its image's own.
+    const double ownHeight = m_icons[3]->sizeHint().height();
+    const QRectF bottomRight = VextilFrame().width(side).height(ownHeight).centerX(topRight.center().x()).centerY(bottomLeft.center().y()).rect();
+    const QRectF bottomLeftLabel = VextilFrame().centerX(bottomLeft.center().x()).top(bottomLeft.bottom()).width(side).height(side * kLabelAspect).rect();
+    const QRectF bottomRightLabel = VextilFrame().centerX(bottomRight.center().x()).top(bottomLeftLabel.top()).width(side).height(side * kLabelAspect).rect();
+
+    const QRectF icons[4] = {topLeft, topRight, bottomLeft, bottomRight};
+    const QRectF labels[4] = {topLeftLabel, topRightLabel, bottomLeftLabel, bottomRightLabel};
+    for (int i = 0; i < 4; ++i) {
+        m_icons[i]->setGeometry(icons[i].toRect());
+        m_labels[i]->setGeometry(labels[i].toRect());
+    }
+}
+
+void VextilTutorialView::resizeEvent(QResizeEvent *)
+{
+    if (m_blur) {
+        m_blur->setGeometry(rect());
+        static_cast<BlurBackdrop *>(m_blur)->capture();
+    }
+    updateConstraints();
+}
+
+void VextilTutorialView::showEvent(QShowEvent *)
+{
+    if (m_blur)
+        static_cast<BlurBackdrop *>(m_blur)->capture();
+}
+
+void VextilTutorialView::paintEvent(QPaintEvent *)
+{
+    if (m_reduceTransparency)
+        QPainter(this).fillRect(rect(), Qt::black);
+}
+
+qreal VextilTutorialView::alpha() const
+{
+    auto *opacity = qobject_cast<QGraphicsOpacityEffect *>(graphicsEffect());
+    return opacity ? opacity->opacity() : 1.0;
+}
+
+void VextilTutorialView::didTappedNextButton()
+{
+    if (std::exchange(m_closing, true))
+        return;
+    auto *opacity = qobject_cast<QGraphicsOpacityEffect *>(graphicsEffect());
+    if (!opacity) {
+        opacity = new QGraphicsOpacityEffect(this);
+        opacity->setOpacity(1.0);
+        setGraphicsEffect(opacity);
+    }
+    auto *fade = new QPropertyAnimation(opacity, "opacity", this);
+    fade->setDuration(kFadeMs);
+    fade->setEndValue(0.0);
+    connect(fade, &QPropertyAnimation::finished, this, [this] {
+        hide();
+        setParent(nullptr);  // leaves the screen it covered
+        if (m_completionHandler)
+            m_completionHandler();
+        deleteLater();
+    });
+    fade->start(QAbstractAnimation::DeleteWhenStopped);
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <VextilToolkit/VextilButton.h>
+#include <VextilToolkit/VextilImageView.h>
+#include <VextilToolkit/VextilToolkitExport.h>
+
+#include <QLabel>
+#include <QWidget>
+
+#include <functional>
+
+/// A pop-up of four illustrated tips in a rounded box over a dark blur of what lies beneath,
+/// with one button that fades it out and reports that it is done. Subclasses fill in the tips.
+/// The owner sets completionHandler, adds it over a screen and gives it the screen's size.
+/// GUI thread only.
+class VEXTIL_EXPORT VextilTutorialView : public QWidget {
+    Q_OBJECT
+public:
+    explicit VextilTutorialView(QWidget *parent = nullptr);
+
+    VextilImageView *topLeftIconImageView() const { return m_icons[0]; }
+    VextilImageView *topRightIconImageView() const { return m_icons[1]; }
+    VextilImageView *bottomLeftIconImageView() const { return m_icons[2]; }
+    VextilImageView *bottomRightImageView() const { return m_icons[3]; }
+    /// The blurred backdrop; not part of the pop-up when reduced transparency is on.
+    QWidget *blurEffectView() const { return m_blur; }
+    QWidget *contentView() const { return m_content; }
+    QLabel *topLeftTipLabel() const { return m_labels[0]; }
+    QLabel *topRightTipLabel() const { return m_labels[1]; }
+    QLabel *bottomLeftTipLabel() const { return m_labels[2]; }
+    QLabel *bottomRightTipLabel() const { return m_labels[3]; }
+    VextilButton *nextButton() const { return m_nextButton; }
+
+    /// Called once, after the pop-up has faded out and left its parent.
+    void setCompletionHandler(std::function<void()> handler) { m_completionHandler = std::move(handler); }
+    /// Fades the pop-up out over 0.25 s, removes it and calls the completion handler; the
+    /// next button's action. Only the first call counts.
+    void didTappedNextButton();
+
+    /// Opacity of the whole pop-up (0.75 with reduced transparency).
+    qreal alpha() const;
+
+    static constexpr int kFadeMs = 250;
+
+protected:
+    void addBlurEffectView();
+    void addViews();
+    void updateConstraints();
+    void resizeEvent(QResizeEvent *) override;
+    void showEvent(QShowEvent *) override;
+    void paintEvent(QPaintEvent *) override;
+
+private:
+    QWidget *m_blur = nullptr;
+    QWidget *m_content = nullptr;
+    VextilImageView *m_icons[4] = {};
+    QLabel *m_labels[4] = {};
+    VextilButton *m_nextButton = nullptr;
+    std::function<void()> m_completionHandler;
+    bool m_reduceTransparency = false;
+    bool m_closing = false;
+};

@@ -1,0 +1,151 @@
+#include "VextilToolkit/VextilBaseViewController.h"
+
+#include "ui/VextilMainQueue.h"
+
+#include <QEvent>
+#include <QPropertyAnimation>
+
+namespace {
+constexpr int kAnimationMs = 250;
+}
+
+VextilBaseViewController::VextilBaseViewController(QWidget *parent) : QWidget(parent)
+{
+    setAttribute(Qt::WA_StyledBackground);
+    setAutoFillBackground(true);
+}
+
+VextilBaseViewController::~VextilBaseViewController() = default;
+
+QVariant VextilBaseViewController::previousOrientation() const
+{
+    QMutexLocker lock(&m_orientationMutex);
+    return m_previousOrientation;
+}
+
+void VextilBaseViewController::setPreviousOrientation(const QVariant &orientation)
+{
+    QMutexLocker lock(&m_orientationMutex);
+    m_previousOrientation = orientation;
+}
+
+VextilBaseViewController *VextilBaseViewController::presentedViewControllerOf(QWidget *presenter)
+{
+    if (!presenter || !presenter->window())
+        return nullptr;
+    for (auto *screen : presenter->window()->findChildren<VextilBaseViewController *>(Qt::FindDirectChildrenOnly))
+        if (screen->m_presenting == presenter && screen->isVisible())
+            return screen;
+    return nullptr;
+}
+
+VextilBaseViewController *VextilBaseViewController::presentedViewController() const
+{
+    return presentedViewControllerOf(const_cast<VextilBaseViewController *>(this));
+}
+
+void VextilBaseViewController::presentViewController(VextilBaseViewController *controller, bool animated,
+                                                     std::function<void()> completion)
+{
+    present(this, controller, animated, std::move(completion));
+}
+
+void VextilBaseViewController::present(QWidget *presenter, VextilBaseViewController *controller, bool animated,
+                                       std::function<void()> completion)
+{
+    if (!presenter || !controller)
+        return;
+    // A screen covers the presenter's whole window and follows its size.
+    QWidget *window = presenter->window();
+    controller->m_presenting = presenter;
+    controller->setParent(window);
+    controller->setGeometry(window->rect());
+    window->installEventFilter(controller);
+    controller->appear(animated, std::move(completion));
+}
+
+void VextilBaseViewController::loadViewIfNeeded()
+{
+    if (!m_loaded) {
+        m_loaded = true;
+        viewDidLoad();
+    }
+}
+
+void VextilBaseViewController::appear(bool animated, std::function<void()> completion)
+{
+    loadViewIfNeeded();
+    viewWillAppear(animated);
+    show();
+    raise();
+    const auto finish = [this, animated, completion = std::move(completion)] {
+        viewDidAppear(animated);
+        if (completion)
+            completion();
+    };
+    if (!animated) {
+        VextilMainQueue::dispatchAsync(this, finish);
+        return;
+    }
+    // Slides up from the bottom edge, as a modal screen does.
+    auto *slide = new QPropertyAnimation(this, "pos", this);
+    slide->setDuration(kAnimationMs);
+    slide->setStartValue(QPoint(0, parentWidget()->height()));
+    slide->setEndValue(QPoint(0, 0));
+    slide->setEasingCurve(QEasingCurve::OutCubic);
+    connect(slide, &QPropertyAnimation::finished, this, finish);
+    slide->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void VextilBaseViewController::dismissViewControllerAnimated(bool animated, std::function<void()> completion)
+{
+    VextilBaseViewController *top = presentedViewController();
+    if (!top) {
+        // Nothing presented: this screen itself goes, as its presenter would dismiss it.
+        disappear(animated, std::move(completion));
+        return;
+    }
+    // Take down the whole chain above this screen, the top-most with the animation.
+    QList<VextilBaseViewController *> chain;
+    for (; top; top = top->presentedViewController())
+        chain.prepend(top);
+    for (qsizetype i = 1; i < chain.size(); ++i)
+        chain[i]->disappear(false, {});
+    chain.first()->disappear(animated, std::move(completion));
+}
+
+void VextilBaseViewController::disappear(bool animated, std::function<void()> completion)
+{
+    const auto finish = [this, animated, completion = std::move(completion)] {
+        hide();
+        if (QWidget *window = parentWidget())
+            window->removeEventFilter(this);
+        // The screen underneath appears again, as when a modal screen goes.
+        auto *presenter = qobject_cast<VextilBaseViewController *>(m_presenting.data());
+        m_presenting = nullptr;
+        if (presenter) {
+            presenter->viewWillAppear(animated);
+            presenter->viewDidAppear(animated);
+        }
+        if (completion)
+            completion();
+    };
+    if (!animated || !parentWidget()) {
+        hide();
+        VextilMainQueue::dispatchAsync(this, finish);
+        return;
+    }
+    auto *slide = new QPropertyAnimation(this, "pos", this);
+    slide->setDuration(kAnimationMs);
+    slide->setEndValue(QPoint(0, parentWidget()->height()));
+    slide->setEasingCurve(QEasingCurve::InCubic);
+    connect(slide, &QPropertyAnimation::finished, this, finish);
+    slide->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+bool VextilBaseViewController::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Resize)
+        setGeometry(parentWidget()->rect());
+    return QWidget::eventFilter(watched, event);
+}

@@ -1,0 +1,68 @@
+#include "VextilToolkit/VextilLabel.h"
+
+#include <QAccessible>
+#include <QFontMetricsF>
+
+VextilLabel::VextilLabel(QWidget *parent) : QLabel(parent), m_baseFont(font()) {}
+
+void VextilLabel::setAdjustsFontSizeToFitWidth(bool adjusts)
+{
+    m_adjusts = adjusts;
+    fit();
+}
+
+void VextilLabel::setMinimumScaleFactor(double factor)
+{
+    m_minimumScale = factor;
+    fit();
+}
+
+void VextilLabel::setBaseFont(const QFont &font)
+{
+    m_baseFont = font;
+    fit();
+}
+
+void VextilLabel::setText(const QString &text)
+{
+    if (text == m_text)
+        return;
+    m_text = text;
+    setAccessibleName(text);
+    fit();
+    QAccessibleEvent changed(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&changed);
+}
+
+void VextilLabel::resizeEvent(QResizeEvent *event)
+{
+    QLabel::resizeEvent(event);
+    fit();
+}
+
+void VextilLabel::fit()
+{
+    QFont font = m_baseFont;
+    if (wordWrap() || width() <= 0) {
+        setFont(font);
+        QLabel::setText(m_text);
+        return;
+    }
+    const qreal base = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF();
+    const auto apply = [&font](qreal size) {
+        if (font.pixelSize() > 0)
+            font.setPixelSize(qMax(1, int(size)));
+        else
+            font.setPointSizeF(size);
+    };
+    // Step the size down until the text fits the width or the minimum scale is reached.
+    if (m_adjusts) {
+        const qreal smallest = base * (m_minimumScale > 0 ? m_minimumScale : 0.1);
+        for (qreal size = base; QFontMetricsF(font).horizontalAdvance(m_text) > width() && size > smallest;) {
+            size = qMax(smallest, size - 0.5);
+            apply(size);
+        }
+    }
+    setFont(font);
+    QLabel::setText(QFontMetricsF(font).elidedText(m_text, Qt::ElideRight, width()));
+}

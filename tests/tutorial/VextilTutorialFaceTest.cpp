@@ -1,0 +1,97 @@
+#include <VextilToolkit/VextilDefaultColorScheme.h>
+#include <VextilToolkit/VextilToolkitSettings.h>
+#include <VextilToolkit/VextilTutorialFace.h>
+
+#include <QPointer>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// A host scheme that differs from the default in every colour the tutorial reads.
+class HostScheme : public VextilDefaultColorScheme {
+public:
+    QColor popUpBackgroundColor() const override { return QColor("#101820"); }
+    QColor popUpTextColor() const override { return QColor("#fee715"); }
+    QColor popUpButtonTintColorForState(int) const override { return QColor("#000001"); }
+    QColor popUpButtonBackgroundColorForState(int) const override { return QColor("#ff5733"); }
+    QColor popUpIconColorForState(int state) const override { return state == 1 ? QColor("#00ff00") : QColor(); }
+};
+
+TEST(TutorialFace, TheBoxKeepsItsSizeAndTheTipsTheirProportions)
+{
+    for (QSize screen : {QSize(390, 844), QSize(1080, 1920)}) {
+        VextilTutorialFace tutorial;
+        tutorial.resize(screen);
+        tutorial.show();  // widgets lay out once shown
+        const QRect box = tutorial.contentView()->geometry();
+        EXPECT_EQ(box.size(), QSize(288, 454));
+        EXPECT_EQ(box.center(), tutorial.rect().center());
+        const QRect icon = tutorial.topLeftIconImageView()->geometry();
+        EXPECT_NEAR(icon.width(), 100.8, 1);
+        EXPECT_EQ(icon.width(), icon.height());
+        EXPECT_EQ(icon.topLeft(), QPoint(30, 40));
+        EXPECT_NEAR(tutorial.topLeftTipLabel()->width(), 110.88, 1);
+        EXPECT_NEAR(tutorial.topLeftTipLabel()->height(), 40.73, 1);
+        EXPECT_NEAR(tutorial.bottomLeftTipLabel()->width(), 100.8, 1);
+        EXPECT_NEAR(tutorial.bottomLeftTipLabel()->height(), 37.03, 1);
+        EXPECT_EQ(tutorial.topRightIconImageView()->geometry().right() + 1, 288 - 30);
+        const QRect next = tutorial.nextButton()->geometry();
+        EXPECT_EQ(next.size(), QSize(230, 44));
+        EXPECT_EQ(next.bottom() + 1, 454 - 20);
+    }
+}
+
+TEST(TutorialFace, ShowsTheFourTipsInTheSchemesColours)
+{
+    VextilToolkitSettings::sharedInstance()->setColorScheme(std::make_shared<HostScheme>());
+    VextilTutorialFace tutorial;
+    EXPECT_EQ(tutorial.topLeftTipLabel()->text(), "Look for a brighter spot  with no light reflection");
+    EXPECT_EQ(tutorial.bottomRightTipLabel()->text(), "The photo is taken automatically");
+    EXPECT_EQ(tutorial.topRightIconImageView()->imageName(), "ilustraHat");
+    EXPECT_EQ(tutorial.bottomRightImageView()->tintColor(), QColor("#00ff00")) << "asked for state 1";
+    EXPECT_EQ(tutorial.topLeftTipLabel()->palette().color(QPalette::WindowText), QColor("#fee715"));
+    EXPECT_EQ(tutorial.nextButton()->backgroundColor(), QColor("#ff5733"));
+    EXPECT_EQ(tutorial.nextButton()->titleColor(), QColor("#000001"));
+    EXPECT_EQ(tutorial.nextButton()->text(), "OK, I got it");
+    EXPECT_EQ(tutorial.nextButton()->font().pixelSize(), 19);
+    EXPECT_EQ(tutorial.topLeftTipLabel()->font().pixelSize(), 10);
+    VextilToolkitSettings::sharedInstance()->setColorScheme(nullptr);
+    VextilTutorialFace fallback;  // a null scheme falls back to the default colours
+    EXPECT_EQ(fallback.nextButton()->backgroundColor(), VextilDefaultColorScheme::violet());
+}
+
+TEST(TutorialFace, PressingNextFadesOutLeavesTheScreenAndCompletesOnce)
+{
+    QWidget screen;
+    screen.resize(390, 844);
+    screen.show();
+    QPointer<VextilTutorialFace> tutorial = new VextilTutorialFace(&screen);
+    tutorial->setGeometry(screen.rect());
+    tutorial->show();
+    ASSERT_NE(tutorial->blurEffectView(), nullptr);
+    int completions = 0;
+    tutorial->setCompletionHandler([&] { ++completions; });
+
+    QTest::mousePress(tutorial->nextButton(), Qt::LeftButton);
+    tutorial->didTappedNextButton();  // a second tap changes nothing
+    QTest::qWait(100);
+    EXPECT_EQ(completions, 0) << "still fading";
+    EXPECT_LT(tutorial->alpha(), 1.0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 1; }, 2000));
+    QTest::qWait(50);
+    EXPECT_EQ(completions, 1);
+    EXPECT_TRUE(tutorial.isNull() || tutorial->parentWidget() == nullptr);
+}
+
+TEST(TutorialFace, ReducedTransparencyDrawsBlackAtThreeQuartersWithoutBlur)
+{
+    VextilToolkitSettings::sharedInstance()->setReduceTransparency(true);
+    VextilTutorialFace tutorial;
+    EXPECT_EQ(tutorial.blurEffectView(), nullptr);
+    EXPECT_DOUBLE_EQ(tutorial.alpha(), 0.75);
+    VextilToolkitSettings::sharedInstance()->setReduceTransparency(false);
+}
+
+}  // namespace

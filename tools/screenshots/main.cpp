@@ -1,0 +1,128 @@
+// vextil_screenshots [--out DIR]: renders the toolkit's screen parts offscreen at 390x844 and
+// 1080x1920 and saves one PNG per view and state. The camera picture is a frame of the sample
+// clip; the camera screen is assembled the way its controller lays it out.
+
+#include <VextilToolkit/NavigationBarView.h>
+#include <VextilToolkit/VextilDefaultColorScheme.h>
+#include <VextilToolkit/VextilFaceCameraView.h>
+#include <VextilToolkit/VextilFaceProgressBoxView.h>
+#include <VextilToolkit/VextilTutorialFace.h>
+#include <VextilToolkit/VextilVideoFileReader.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QTest>
+
+#include <cstdio>
+
+namespace {
+
+// The camera screen's three parts in their places: bar 9% of the height, progress box 150 at
+// the bottom, the camera picture between them.
+struct CameraScreen {
+    QWidget screen;
+    NavigationBarView *bar;
+    VextilFaceCameraView *camera;
+    VextilFaceProgressBoxView *box;
+
+    CameraScreen(QSize size, const QImage &frame)
+    {
+        screen.resize(size);
+        QPalette palette;
+        palette.setColor(QPalette::Window, Qt::black);
+        screen.setPalette(palette);
+        screen.setAutoFillBackground(true);
+        bar = new NavigationBarView(QStringLiteral("Register selfie"), true, &screen);
+        for (auto set : {&NavigationBarView::setTitleLabelTintColor, &NavigationBarView::setBackButtonTintColor,
+                         &NavigationBarView::setHelpButtonTintColor})
+            (bar->*set)(Qt::white);
+        camera = new VextilFaceCameraView(&screen);
+        box = new VextilFaceProgressBoxView(&screen);
+        const int barHeight = int(size.height() * 0.09);
+        bar->setGeometry(0, 0, size.width(), barHeight);
+        box->setGeometry(0, size.height() - 150, size.width(), 150);
+        camera->setGeometry(0, barHeight, size.width(), size.height() - 150 - barHeight);
+        camera->videoPreviewLayer()->setFrame(frame);
+        box->updateInstructionsLabelWithText(QStringLiteral("Looking for face"));
+        screen.show();
+        settle();
+    }
+
+    static void settle() { QTest::qWait(650); }  // queued updates and the 0.5 s bar animation
+};
+
+bool save(QWidget &widget, const QString &dir, const QString &name)
+{
+    const QString path = QDir(dir).filePath(name + QStringLiteral(".png"));
+    const bool saved = widget.grab().save(path);
+    std::printf("%s %s\n", saved ? "saved" : "FAILED", qPrintable(path));
+    return saved;
+}
+
+QImage clipFrame(int index)
+{
+    VextilVideoFileReader reader;
+    if (!reader.open(QStringLiteral(VEXTIL_SELFIE_CLIP)))
+        return {};
+    for (auto frame = reader.readFrame(); frame; frame = reader.readFrame())
+        if (frame->index == index)
+            return frame->image;
+    return {};
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QCommandLineParser options;
+    options.addHelpOption();
+    options.addOption({QStringLiteral("out"), QStringLiteral("Folder for the PNG files."), QStringLiteral("dir"),
+                       QStringLiteral("screenshots")});
+    options.process(app);
+    const QString out = options.value(QStringLiteral("out"));
+    QDir().mkpath(out);
+
+    const QImage neutral = clipFrame(40), smiling = clipFrame(120);
+    bool ok = true;
+    for (const QSize size : {QSize(390, 844), QSize(1080, 1920)}) {
+        const QString suffix = QStringLiteral("-%1x%2").arg(size.width()).arg(size.height());
+        CameraScreen looking(size, neutral);
+        ok &= save(looking.screen, out, QStringLiteral("camera-looking") + suffix);
+
+        CameraScreen collecting(size, neutral);
+        collecting.camera->changeMaskState();
+        collecting.box->updateInstructionsLabelWithText(QStringLiteral("Checking your face"));
+        collecting.box->updateProgress(0.6);
+        CameraScreen::settle();
+        ok &= save(collecting.screen, out, QStringLiteral("camera-collecting") + suffix);
+
+        CameraScreen smile(size, smiling);
+        smile.camera->changeMaskState();
+        smile.camera->isPopupHidden(false);
+        smile.box->updateInstructionsLabelWithText(QStringLiteral("Checking your face"));
+        smile.box->isProgressBarHidden(true);
+        CameraScreen::settle();
+        ok &= save(smile.screen, out, QStringLiteral("camera-smile") + suffix);
+
+        auto *tutorial = new VextilTutorialFace(&looking.screen);
+        tutorial->setGeometry(looking.screen.rect());
+        tutorial->show();
+        CameraScreen::settle();
+        ok &= save(looking.screen, out, QStringLiteral("tutorial") + suffix);
+
+        QWidget review;
+        review.resize(size.width(), int(size.height() * 0.09));
+        review.setStyleSheet(QStringLiteral("background: white"));
+        NavigationBarView bar(QStringLiteral("Confirm your photo"), false, &review);
+        VextilDefaultColorScheme scheme;
+        bar.setBackButtonTintColor(scheme.backButtonColor());
+        bar.setTitleLabelTintColor(scheme.navigationTitleColor());
+        bar.setGeometry(review.rect());
+        review.show();
+        CameraScreen::settle();
+        ok &= save(review, out, QStringLiteral("navigation-bar") + suffix);
+    }
+    return ok ? 0 : 1;
+}
