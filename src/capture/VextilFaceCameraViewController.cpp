@@ -1,0 +1,227 @@
+#include "VextilToolkit/VextilFaceCameraViewController.h"
+
+#include "VextilToolkit/VextilCameraAuthorization.h"
+#include "VextilToolkit/VextilTutorialFace.h"
+#include "ui/VextilFrame.h"
+#include "ui/VextilMainQueue.h"
+
+#include <QCoreApplication>
+#include <QGraphicsOpacityEffect>
+#include <QPropertyAnimation>
+#include <QPushButton>
+
+namespace {
+qint64 nowNs() { return std::chrono::steady_clock::now().time_since_epoch().count(); }
+}
+
+VextilFaceCameraViewController::VextilFaceCameraViewController(QWidget *parent) : VextilBaseViewController(parent)
+{
+    QPalette palette = this->palette();
+    palette.setColor(QPalette::Window, Qt::black);
+    setPalette(palette);
+}
+
+VextilFaceCameraViewController::~VextilFaceCameraViewController()
+{
+    // Drain the frame path before the views and the model it uses go.
+    if (m_source)
+        m_source->stop();
+    if (m_captureQueue)
+        m_captureQueue->shutdown();
+}
+
+void VextilFaceCameraViewController::setModel(VextilFaceCameraModel *model)
+{
+    if (m_model && m_model->parent() == this && m_model != model)
+        m_model->deleteLater();
+    m_model = model;
+    if (model && !model->parent())
+        model->setParent(this);
+}
+
+void VextilFaceCameraViewController::setFrameSource(std::unique_ptr<VextilFrameSource> source)
+{
+    if (m_source)
+        m_source->stop();
+    m_source = std::move(source);
+}
+
+void VextilFaceCameraViewController::viewDidLoad()
+{
+    setModel(new VextilFaceCameraModel(this));  // a fresh model for this screen
+    m_model->setDelegate(this);
+    setupView();
+    setupConstraints();
+    setupCamera();
+    if (m_presentTutorial)
+        presentTutorialPopUp();
+}
+
+void VextilFaceCameraViewController::viewWillAppear(bool animated)
+{
+    VextilBaseViewController::viewWillAppear(animated);
+    m_model->resetState();
+    setupColors();
+    startCamera();
+    checkAuthorization();
+}
+
+void VextilFaceCameraViewController::viewDidAppear(bool)
+{
+    m_model->setViewSize(m_faceCameraView ? QSizeF(m_faceCameraView->size()) : QSizeF(0, 0));
+}
+
+void VextilFaceCameraViewController::setupView()
+{
+    m_navigationView = new NavigationBarView(QCoreApplication::translate("VextilToolkit", "Register selfie"), true, this);
+    connect(m_navigationView->helpButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::presentTutorialPopUp);
+    connect(m_navigationView->backButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::didCancel);
+    m_faceCameraView = new VextilFaceCameraView(this);
+    m_faceProgressBoxView = new VextilFaceProgressBoxView(this);
+    m_faceProgressBoxView->updateInstructionsLabelWithText(m_model->getFirstMessageText());
+}
+
+void VextilFaceCameraViewController::setupConstraints()
+{
+    if (!m_navigationView)
+        return;
+    const QRectF view = rect();
+    const QRectF bar = VextilFrame().top(0).width(view.width()).centerX(view.center().x()).height(view.height() * 0.09).rect();
+    const QRectF box = VextilFrame().width(view.width()).centerX(view.center().x()).height(150).bottom(view.bottom()).rect();
+    m_navigationView->setGeometry(bar.toRect());
+    m_faceProgressBoxView->setGeometry(box.toRect());
+    m_faceCameraView->setGeometry(VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).bottom(box.top()).pixels());
+    if (m_model && m_faceCameraView->isVisible())
+        m_model->setViewSize(QSizeF(m_faceCameraView->size()));
+}
+
+void VextilFaceCameraViewController::setupColors()
+{
+    // The camera screen's bar is plain white, whatever the colour scheme says.
+    m_navigationView->setTitleLabelTintColor(Qt::white);
+    m_navigationView->setBackButtonTintColor(Qt::white);
+    m_navigationView->setHelpButtonTintColor(Qt::white);
+}
+
+void VextilFaceCameraViewController::setupCamera()
+{
+    if (!m_source)
+        m_source = VextilFrameSource::createDefault();
+    m_captureQueue = std::make_unique<VextilCaptureQueue>([this](const QImage &frame) { captureOutput(frame); });
+    m_captureQueue->start();
+    // The preview shows every frame; the mailbox keeps only the newest for analysis.
+    VextilVideoPreview *preview = m_faceCameraView->videoPreviewLayer();
+    VextilCaptureQueue *queue = m_captureQueue.get();
+    m_source->setFrameHandler([preview, queue](const QImage &frame) {
+        preview->setFrame(frame);
+        queue->post(frame);
+    });
+}
+
+void VextilFaceCameraViewController::startCamera()
+{
+    if (m_source)
+        m_source->start();
+}
+
+void VextilFaceCameraViewController::captureOutput(const QImage &frame)
+{
+    if (!m_isPresentingTutorial && m_model)
+        m_model->processFace(frame);
+}
+
+void VextilFaceCameraViewController::updateProgressView(double progress)
+{
+    if (progress > 0 && m_firstNeutralNs == 0)
+        m_firstNeutralNs = nowNs();
+    m_faceProgressBoxView->updateProgress(progress);
+}
+
+std::optional<double> VextilFaceCameraViewController::secondsToCompletion() const
+{
+    if (m_firstNeutralNs == 0 || m_completedNs == 0)
+        return std::nullopt;
+    return double(m_completedNs - m_firstNeutralNs) / 1e9;
+}
+
+void VextilFaceCameraViewController::checkAuthorization()
+{
+    switch (VextilCameraAuthorization::authorizationStatus()) {
+    case VextilCameraAuthorization::Authorized:
+        return;
+    case VextilCameraAuthorization::Restricted:
+        dismissController(false);
+        return;
+    case VextilCameraAuthorization::NotDetermined: {
+        QPointer<VextilFaceCameraViewController> self(this);
+        VextilCameraAuthorization::requestAccess([self](bool granted) {
+            // The answer may come on any thread; the screen's work belongs on the GUI thread.
+            VextilMainQueue::dispatchAsync(self, [self, granted] {
+                if (granted)
+                    self->startCamera();
+                else
+                    self->cameraDenied();
+            });
+        });
+        return;
+    }
+    default:
+        cameraDenied();
+    }
+}
+
+void VextilFaceCameraViewController::cameraDenied()
+{
+    // These texts are fixed, not translated.
+    auto *alert = new QMessageBox(QMessageBox::Warning, QStringLiteral("Error"),
+                                  QStringLiteral("You need to allow this app to access this device's camera."),
+                                  QMessageBox::NoButton, this);
+    alert->setAttribute(Qt::WA_DeleteOnClose);
+    alert->setWindowModality(Qt::WindowModal);
+    QPushButton *settings = alert->addButton(QStringLiteral("Settings"), QMessageBox::AcceptRole);
+    QPushButton *cancel = alert->addButton(QStringLiteral("Cancel"), QMessageBox::DestructiveRole);
+    connect(settings, &QAbstractButton::clicked, this, [] { VextilCameraAuthorization::openSettings(); });
+    connect(cancel, &QAbstractButton::clicked, this, [this] { dismissController(false); });
+    m_alert = alert;
+    alert->open();
+}
+
+void VextilFaceCameraViewController::presentTutorialPopUp()
+{
+    m_isPresentingTutorial = true;
+    auto *tutorial = new VextilTutorialFace(this);
+    tutorial->setCompletionHandler([self = QPointer<VextilFaceCameraViewController>(this)] {
+        if (self)
+            self->m_isPresentingTutorial = false;
+    });
+    tutorial->setGeometry(rect());
+    const qreal shown = tutorial->alpha();  // 0.75 with reduced transparency
+    auto *fade = new QGraphicsOpacityEffect(tutorial);
+    fade->setOpacity(0);
+    tutorial->setGraphicsEffect(fade);
+    tutorial->show();
+    tutorial->raise();
+    auto *appear = new QPropertyAnimation(fade, "opacity", tutorial);
+    appear->setDuration(100);
+    appear->setEndValue(shown);
+    connect(appear, &QPropertyAnimation::finished, tutorial, [tutorial, shown] {
+        if (shown >= 1.0)
+            tutorial->setGraphicsEffect(nullptr);  // fully shown: draw without the effect
+    });
+    appear->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void VextilFaceCameraViewController::dismissController(bool success)
+{
+    if (success && m_completedNs == 0)
+        m_completedNs = nowNs();
+    QPointer<VextilFaceCameraViewController> self(this);
+    VextilMainQueue::dispatchAsync(this, [self, success] {
+        if (self->m_source)
+            self->m_source->stop();
+        if (self->m_model)
+            self->m_model->resetState();
+        if (auto *delegate = dynamic_cast<VextilFaceCameraControllerDelegate *>(self->m_delegate.data()))
+            delegate->didFinishedCaptureWithSuccess(success);
+    });
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <VextilToolkit/VextilToolkitExport.h>
+
+#include <QImage>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+/// Where camera frames come from: the front camera, or a video file standing in for it. Frames
+/// are converted once, here, and delivered as Format_RGB32 images on the source's own thread.
+class VEXTIL_EXPORT VextilFrameSource {
+public:
+    using FrameHandler = std::function<void(const QImage &frame)>;
+
+    virtual ~VextilFrameSource();
+    /// Receives every frame; set before start().
+    void setFrameHandler(FrameHandler handler) { m_handler = std::move(handler); }
+    /// Starts delivering frames (again); GUI thread.
+    virtual void start() = 0;
+    /// Stops delivering frames and waits until none is being delivered; GUI thread.
+    virtual void stop() = 0;
+    /// Whether frames are being delivered.
+    virtual bool isRunning() const = 0;
+    /// What the source is, for the demo and logs ("front camera: …", "video file: …").
+    virtual QString description() const = 0;
+    /// Whether the source can deliver at all (a camera exists, the file opens).
+    virtual bool isAvailable() const = 0;
+
+    /// The camera stand-in named by the VEXTIL_CAMERA_FILE environment variable when set,
+    /// otherwise the front camera (see README for the choice when none reports a position).
+    static std::unique_ptr<VextilFrameSource> createDefault();
+
+protected:
+    void deliver(const QImage &frame) const
+    {
+        if (m_handler)
+            m_handler(frame);
+    }
+
+private:
+    FrameHandler m_handler;
+};

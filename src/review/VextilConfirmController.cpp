@@ -1,0 +1,80 @@
+#include "VextilToolkit/VextilConfirmController.h"
+
+#include "ui/VextilFrame.h"
+#include "ui/VextilSchemeAccess.h"
+
+VextilConfirmController::VextilConfirmController(QWidget *parent) : VextilBaseViewController(parent) {}
+
+void VextilConfirmController::setModel(VextilConfirmModel *model)
+{
+    m_model = model;
+    if (model && !model->parent())
+        model->setParent(this);
+}
+
+void VextilConfirmController::viewDidLoad()
+{
+    if (!m_model)
+        setModel(new VextilConfirmModel(this));
+    m_model->setDelegate(this);
+    QPalette palette = this->palette();
+    palette.setColor(QPalette::Window, Qt::white);
+    setPalette(palette);
+    setupViews();
+    setupConstraints();
+    setupColor();
+}
+
+void VextilConfirmController::setupViews()
+{
+    m_navigationBar = new NavigationBarView(m_model->getNavigationTitle(), false, this);
+    connect(m_navigationBar->backButton(), &QAbstractButton::pressed, this, &VextilConfirmController::didCancel);
+    m_confirmView = new VextilConfirmView(this);
+    m_confirmView->setMessageText(m_model->getMessageText());
+    m_confirmView->setAcceptButtonText(m_model->getAcceptButtonText());
+    m_confirmView->setCancelButtonText(m_model->getCancelButtonText());
+    // Both act as the finger lands.
+    connect(m_confirmView->acceptButton(), &QAbstractButton::pressed, this, &VextilConfirmController::didConfirm);
+    connect(m_confirmView->cancelButton(), &QAbstractButton::pressed, this, &VextilConfirmController::didCancel);
+}
+
+void VextilConfirmController::setupConstraints()
+{
+    if (!m_navigationBar)
+        return;
+    const QRectF view = rect();
+    const QRectF bar = VextilFrame().top(0).width(view.width()).centerX(view.center().x()).height(view.height() * 0.1).rect();
+    m_navigationBar->setGeometry(bar.toRect());
+    m_confirmView->setGeometry(VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).height(view.height() * 0.9).pixels());
+}
+
+void VextilConfirmController::setupColor()
+{
+    const auto scheme = currentColorScheme();
+    m_navigationBar->setBackButtonTintColor(scheme->backButtonColor());
+    m_navigationBar->setTitleLabelTintColor(scheme->navigationTitleColor());
+}
+
+void VextilConfirmController::viewWillAppear(bool animated)
+{
+    VextilBaseViewController::viewWillAppear(animated);
+    m_model->getImages();  // fresh images on every appearance
+}
+
+void VextilConfirmController::didCancel()
+{
+    m_model->clearData();
+    dismissController(false);
+}
+
+void VextilConfirmController::dismissController(bool success)
+{
+    QPointer<VextilConfirmController> self(this);
+    // Without animation, so that the camera screen is visible again at once.
+    dismissViewControllerAnimated(false, [self, success] {
+        if (!self)
+            return;
+        if (auto *delegate = dynamic_cast<VextilConfirmControllerDelegate *>(self->m_delegate.data()))
+            delegate->didFinishedConfirmWithSuccess(success);
+    });
+}

@@ -1,0 +1,175 @@
+#include "VextilToolkit/VextilConfirmView.h"
+
+#include "ui/VextilFrame.h"
+#include "ui/VextilMainQueue.h"
+#include "ui/VextilSchemeAccess.h"
+
+#include <QCoreApplication>
+#include <QPainter>
+#include <QPainterPath>
+
+namespace {
+
+// The photo, cropped to fill a rounded rectangle.
+class PhotoView : public QWidget {
+public:
+    PhotoView(VextilConfirmView *owner, QWidget *parent) : QWidget(parent), m_owner(owner) {}
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        const QImage image = m_owner->currentImage();
+        if (image.isNull())
+            return;
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        QPainterPath clip;
+        clip.addRoundedRect(QRectF(rect()), 10, 10);
+        painter.setClipPath(clip);
+        const QSizeF filled = QSizeF(image.size()).scaled(size(), Qt::KeepAspectRatioByExpanding);
+        painter.drawImage(QRectF(QPointF((width() - filled.width()) / 2, (height() - filled.height()) / 2), filled), image);
+    }
+
+private:
+    VextilConfirmView *m_owner;
+};
+
+}  // namespace
+
+VextilConfirmView::VextilConfirmView(QWidget *parent) : QWidget(parent)
+{
+    setupView();
+    setupConstraints();
+    setupColors();
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        if (!m_animation.isEmpty()) {
+            m_frame = (m_frame + 1) % int(m_animation.size());
+            m_imageView->update();
+        }
+    });
+}
+
+void VextilConfirmView::setupView()
+{
+    m_imageView = new PhotoView(this, this);
+    m_imageView->setAccessibleName(QCoreApplication::translate("VextilToolkit", "Captured photo"));
+    m_messageLabel = new QLabel(this);
+    QFont font = m_messageLabel->font();
+    font.setPixelSize(18);
+    m_messageLabel->setFont(font);
+    m_messageLabel->setWordWrap(true);
+    m_messageLabel->setAlignment(Qt::AlignCenter);
+
+    m_acceptButton = new VextilButton(this);
+    m_acceptButton->setCornerRadius(5);
+    font.setPixelSize(16);
+    font.setWeight(QFont::Bold);
+    m_acceptButton->setFont(font);
+    setAcceptButtonText(QCoreApplication::translate("VextilToolkit", "Yes, send"));
+
+    m_cancelButton = new VextilButton(this);
+    m_cancelButton->setCornerRadius(5);
+    font.setWeight(QFont::Normal);
+    m_cancelButton->setFont(font);
+    m_cancelButton->setImageName(QStringLiteral("reload_icon"));
+    m_cancelButton->setTintColor(QColor());  // the icon keeps its own colours
+    setCancelButtonText(QCoreApplication::translate("VextilToolkit", "No, take another photo."));
+}
+
+void VextilConfirmView::setupConstraints()
+{
+    const QRectF view = rect();
+    const QRectF image = VextilFrame().top(view.top() + 15).width(view.width() * 0.75).centerX(view.center().x()).height(view.height() * 0.6).rect();
+    const QRectF cancel = VextilFrame().width(view.width() * 0.7).centerX(view.center().x()).bottom(view.bottom() - 25).height(view.height() * 0.07).rect();
+    const QRectF accept = VextilFrame().width(view.width() * 0.7).centerX(view.center().x()).bottom(cancel.top() - 15).height(view.height() * 0.07).rect();
+    const QRectF message = VextilFrame().top(image.bottom() + 15).width(view.width() * 0.7).centerX(view.center().x()).bottom(accept.top() - 15).rect();
+    m_imageView->setGeometry(image.toRect());
+    m_cancelButton->setGeometry(cancel.toRect());
+    m_acceptButton->setGeometry(accept.toRect());
+    m_messageLabel->setGeometry(message.toRect());
+}
+
+void VextilConfirmView::setupColors()
+{
+    const auto scheme = currentColorScheme();
+    m_background = scheme->backgroundColor();
+    m_acceptButton->setBackgroundColor(scheme->buttonBackgroundColorForState(kVextilHighlighted));
+    m_acceptButton->setTitleColor(scheme->buttonTintColorForState(kVextilHighlighted));
+    m_cancelButton->setBackgroundColor(scheme->cancelButtonBackgroundColorForState(kVextilHighlighted));
+    m_cancelButton->setTitleColor(scheme->cancelButtonTintColorForState(kVextilHighlighted));
+    QPalette palette = m_messageLabel->palette();
+    palette.setColor(QPalette::WindowText, scheme->confirmQuestionTextColor());
+    m_messageLabel->setPalette(palette);
+}
+
+void VextilConfirmView::resizeEvent(QResizeEvent *)
+{
+    setupConstraints();
+    drawMask();
+    centerButtonAndImageWithSpacing(m_cancelButton, 15.0);
+}
+
+void VextilConfirmView::drawMask()
+{
+    // Built once, from the photo's frame at the first layout pass, and never moved after.
+    if (m_border)
+        return;
+    m_borderColor = currentColorScheme()->buttonBackgroundColorForState(kVextilHighlighted);
+    m_border = QRectF(m_imageView->geometry()).adjusted(-5, -5, 5, 5);
+}
+
+void VextilConfirmView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), m_background);
+    if (!m_border)
+        return;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(m_borderColor, 2.0));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(*m_border, 5, 5);
+}
+
+void VextilConfirmView::setMessageText(const QString &text)
+{
+    m_messageLabel->setText(text);
+    m_messageLabel->setAccessibleName(text);
+}
+
+void VextilConfirmView::setAcceptButtonText(const QString &text)
+{
+    m_acceptButton->setText(text);
+    m_acceptButton->setAccessibleName(text);
+}
+
+void VextilConfirmView::setCancelButtonText(const QString &text)
+{
+    m_cancelButton->setText(text);
+    m_cancelButton->setAccessibleName(text);
+}
+
+void VextilConfirmView::setDocumentImage(const QImage &image)
+{
+    m_still = image;
+    m_imageView->update();
+}
+
+void VextilConfirmView::setFaceImages(std::shared_ptr<QList<QImage>> images)
+{
+    VextilMainQueue::dispatchAsync(this, [this, images] {
+        m_animation = images ? *images : QList<QImage>();
+        m_frame = 0;
+        // The whole list plays once a second, whatever its length, and repeats without end.
+        if (!m_animation.isEmpty())
+            m_timer.start(qMax(1, 1000 / int(m_animation.size())));
+        else
+            m_timer.stop();
+        m_imageView->update();
+    });
+}
+
+QImage VextilConfirmView::currentImage() const
+{
+    return m_animation.isEmpty() ? m_still : m_animation.value(m_frame);
+}
