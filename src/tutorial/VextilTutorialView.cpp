@@ -10,6 +10,7 @@
 #include <QPropertyAnimation>
 #include <QPointer>
 #include <QScopedValueRollback>
+#include <QTimer>
 
 namespace {
 
@@ -32,7 +33,7 @@ public:
         QWidget *under = m_overlay->parentWidget();
         // Rendering the parent delivers pending resize events, the overlay's among them, which
         // would ask for another capture.
-        if (!under || m_overlay->size().isEmpty() || m_capturing)
+        if (!under || m_overlay->size().isEmpty() || m_capturing || !under->isVisible())
             return;
         const QScopedValueRollback<bool> busy(m_capturing, true);
         const qreal ratio = devicePixelRatioF();
@@ -184,8 +185,11 @@ void VextilTutorialView::resizeEvent(QResizeEvent *)
 
 void VextilTutorialView::showEvent(QShowEvent *)
 {
-    if (m_blur)
-        static_cast<BlurBackdrop *>(m_blur)->capture();
+    // Once what lies beneath has been laid out and shown too.
+    QTimer::singleShot(0, this, [this] {
+        if (m_blur)
+            static_cast<BlurBackdrop *>(m_blur)->capture();
+    });
 }
 
 void VextilTutorialView::paintEvent(QPaintEvent *)

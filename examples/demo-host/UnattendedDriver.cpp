@@ -1,0 +1,124 @@
+#include "UnattendedDriver.h"
+
+#include <VextilToolkit/VextilFace.h>
+#include <VextilToolkit/VextilTutorialFace.h>
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+constexpr int kGiveUpMs = 90000;
+}
+
+UnattendedDriver::UnattendedDriver(DemoWindow *window, QString screenshots, QObject *parent)
+    : QObject(parent), m_window(window), m_screenshots(std::move(screenshots))
+{
+    m_poll.setInterval(100);
+    connect(&m_poll, &QTimer::timeout, this, &UnattendedDriver::poll);
+    // The host window's screenshots wait a moment for its layout to take the new text.
+    connect(window, &DemoWindow::captureEnded, this, [this](bool success) {
+        QTimer::singleShot(200, this, [this, success] {
+            shoot(QStringLiteral("5-host-captured"), m_window);
+            if (!success) {
+                std::printf("capture failed: %s\n", qPrintable(m_window->resultText()));
+                return finish(1);
+            }
+            m_upload.start();
+            m_window->send();
+        });
+    });
+    connect(window, &DemoWindow::sendEnded, this, [this](bool sent) {
+        const qint64 uploadMs = m_upload.elapsed();
+        QTimer::singleShot(200, this, [this, sent, uploadMs] {
+            shoot(QStringLiteral("6-host-sent"), m_window);
+            std::printf("%s\n", qPrintable(m_window->resultText()));
+            printFigures(sent, uploadMs);
+            finish(sent ? 0 : 1);
+        });
+    });
+}
+
+void UnattendedDriver::start()
+{
+    QDir().mkpath(m_screenshots);
+    m_sinceStart.start();
+    shoot(QStringLiteral("0-host"), m_window);
+    m_window->takeSelfie();
+    m_poll.start();
+}
+
+void UnattendedDriver::shoot(const QString &name, QWidget *widget)
+{
+    const QString path = QDir(m_screenshots).filePath(name + QStringLiteral(".png"));
+    if (widget->window()->grab().save(path))
+        std::printf("screenshot: %s\n", qPrintable(path));
+}
+
+void UnattendedDriver::poll()
+{
+    if (m_sinceStart.elapsed() > kGiveUpMs) {
+        std::printf("gave up after %d s: the capture did not complete\n", kGiveUpMs / 1000);
+        return finish(1);
+    }
+    VextilFace *face = VextilFace::sharedInstance();
+    VextilFaceCameraViewController *camera = face->faceCameraViewController();
+    if (!camera || !camera->isVisible())
+        return;
+    const auto once = [this](const QString &step) { return !std::exchange(m_done, m_done + QSet<QString>{step}).contains(step); };
+    // The tutorial: looked at, then answered.
+    if (auto *tutorial = camera->findChild<VextilTutorialFace *>(); tutorial && tutorial->isVisible() && m_sinceStart.elapsed() > 1200) {
+        if (once(QStringLiteral("tutorial"))) {
+            shoot(QStringLiteral("1-tutorial"), camera);
+            Q_EMIT tutorial->nextButton()->pressed();
+        }
+        return;
+    }
+    if (!camera->faceProgressBoxView()->faceProgressBar()->isHidden() &&
+        camera->faceProgressBoxView()->faceProgressBar()->strokeEnd() >= 0.4 && once(QStringLiteral("collecting")))
+        shoot(QStringLiteral("2-camera-collecting"), camera);
+    if (!camera->faceCameraView()->popupView()->isHidden() && once(QStringLiteral("smile")))
+        shoot(QStringLiteral("3-camera-smile"), camera);
+
+    VextilConfirmController *review = face->confirmController();
+    if (review && review->isVisible() && review->confirmView()->animationImages().size() == 7 && once(QStringLiteral("review"))) {
+        m_stats = camera->captureQueue()->stats();
+        m_secondsToCompletion = camera->secondsToCompletion();
+        // Let the user look for a moment, then accept.
+        QTimer::singleShot(1200, this, [this, review] {
+            shoot(QStringLiteral("4-review"), review);
+            Q_EMIT review->confirmView()->acceptButton()->pressed();
+        });
+    }
+}
+
+void UnattendedDriver::printFigures(bool sent, qint64 uploadMs)
+{
+    QList<double> times = m_stats.analysisMs;
+    std::sort(times.begin(), times.end());
+    double mean = 0;
+    for (double t : times)
+        mean += t;
+    mean = times.isEmpty() ? 0 : mean / double(times.size());
+    const double p95 = times.isEmpty() ? 0 : times[qsizetype(double(times.size() - 1) * 0.95)];
+    struct rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    std::printf("figures:\n");
+    std::printf("  frames delivered %d, analysed %d, dropped %d\n", m_stats.delivered, m_stats.analysed, m_stats.dropped);
+    std::printf("  analysis time: mean %.2f ms, p95 %.2f ms\n", mean, p95);
+    if (m_secondsToCompletion)
+        std::printf("  first neutral image to completion: %.2f s\n", *m_secondsToCompletion);
+    std::printf("  peak memory of the process: %.1f MiB\n", double(usage.ru_maxrss) / 1024.0);
+    std::printf("  upload: %s in %lld ms\n", sent ? "sent" : "failed", qlonglong(uploadMs));
+}
+
+void UnattendedDriver::finish(int code)
+{
+    m_poll.stop();
+    std::fflush(stdout);
+    QCoreApplication::exit(code);
+}

@@ -1,0 +1,64 @@
+// vextil_demo_host: a small host application of the toolkit.
+//   vextil_demo_host [--key KEY] [--camera-file CLIP] [--scheme] [--no-tutorial]
+//                    [--unattended --screenshots DIR]
+// The upload goes where VEXTIL_UPLOAD_HOST (and VEXTIL_UPLOAD_CA_FILE) point.
+
+#include "DemoWindow.h"
+#include "UnattendedDriver.h"
+
+#include <VextilToolkit/VextilDefaultColorScheme.h>
+#include <VextilToolkit/VextilFace.h>
+#include <VextilToolkit/VextilToolkitSettings.h>
+#include <VextilToolkit/VextilVideoFileSource.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+
+namespace {
+
+// A host's own colours: teal accents instead of the toolkit's blue and violet.
+class TealScheme : public VextilDefaultColorScheme {
+public:
+    QColor buttonBackgroundColorForState(int) const override { return QColor("#00796b"); }
+    QColor navigationTitleColor() const override { return QColor("#00796b"); }
+    QColor backButtonColor() const override { return QColor("#00796b"); }
+    QColor confirmQuestionTextColor() const override { return QColor("#004d40"); }
+    QColor popUpButtonBackgroundColorForState(int) const override { return QColor("#00796b"); }
+};
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QCommandLineParser options;
+    options.setApplicationDescription(QStringLiteral("VextilToolkit demo host."));
+    options.addHelpOption();
+    options.addOption({QStringLiteral("key"), QStringLiteral("Authentication key."), QStringLiteral("key"), QStringLiteral("demo-key")});
+    options.addOption({QStringLiteral("camera-file"), QStringLiteral("Video file standing in for the camera."), QStringLiteral("file")});
+    options.addOption({QStringLiteral("scheme"), QStringLiteral("Use the host's own colour scheme.")});
+    options.addOption({QStringLiteral("no-tutorial"), QStringLiteral("Open the camera without the tutorial.")});
+    options.addOption({QStringLiteral("unattended"), QStringLiteral("Answer every screen automatically, then quit.")});
+    options.addOption({QStringLiteral("screenshots"), QStringLiteral("Folder for the unattended run's screenshots."),
+                       QStringLiteral("dir"), QStringLiteral("screenshots")});
+    options.process(app);
+
+    VextilToolkitSettings::sharedInstance()->initWithAuthKey(options.value(QStringLiteral("key")));
+    if (options.isSet(QStringLiteral("scheme")))
+        VextilToolkitSettings::sharedInstance()->setColorScheme(std::make_shared<TealScheme>());
+    VextilFace::sharedInstance()->presentTutorial(!options.isSet(QStringLiteral("no-tutorial")));
+    QString clip = options.value(QStringLiteral("camera-file"));
+    if (clip.isEmpty() && options.isSet(QStringLiteral("unattended")))
+        clip = QStringLiteral(VEXTIL_SELFIE_CLIP);
+    if (!clip.isEmpty())
+        VextilFace::sharedInstance()->setFrameSourceFactory([clip] { return std::make_unique<VextilVideoFileSource>(clip, true); });
+
+    DemoWindow window;
+    window.resize(390, 844);
+    window.show();
+    if (!options.isSet(QStringLiteral("unattended")))
+        return app.exec();
+    UnattendedDriver driver(&window, options.value(QStringLiteral("screenshots")));
+    driver.start();
+    return app.exec();
+}

@@ -1,0 +1,124 @@
+#include <VextilToolkit/VextilConfirmController.h>
+#include <VextilToolkit/VextilRepository.h>
+
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace {
+
+QImage solid(QRgb colour)
+{
+    QImage image(30, 40, QImage::Format_RGB32);
+    image.fill(colour);
+    return image;
+}
+
+VextilRepository::ImageArray images(int count, QRgb base)
+{
+    auto list = std::make_shared<QList<QImage>>();
+    for (int i = 0; i < count; ++i)
+        list->append(solid(base + QRgb(i)));
+    return list;
+}
+
+// Records what the model pushes.
+class Receiver : public QObject, public VextilConfirmModelDelegate {
+public:
+    void setDocumentImage(const QImage &image) override { document = image; }
+    void setFaceImages(std::shared_ptr<QList<QImage>> images) override
+    {
+        faces = std::move(images);
+        ++faceCalls;
+    }
+    QImage document;
+    std::shared_ptr<QList<QImage>> faces;
+    int faceCalls = 0;
+};
+
+// Records the review's answers.
+class Answers : public QObject, public VextilConfirmControllerDelegate {
+public:
+    void didFinishedConfirmWithSuccess(bool success) override { answers.append(success); }
+    QList<bool> answers;
+};
+
+TEST(ConfirmModel, SelfieShowsNeutralThenSmilingAndDocumentSidesDifferOnPurpose)
+{
+    auto *store = VextilRepository::sharedInstance();
+    store->setFaceImages(images(5, qRgb(10, 0, 0)));
+    store->setFaceSmileImages(images(2, qRgb(200, 0, 0)));
+    VextilConfirmModel model;
+    Receiver receiver;
+    model.setDelegate(&receiver);
+    EXPECT_EQ(model.getNavigationTitle(), "Send selfie");
+    EXPECT_EQ(model.getMessageText(), "Do you want to submit this video for review?");
+    EXPECT_EQ(model.getAcceptButtonText(), "Yes, send");
+
+    model.getImages();
+    ASSERT_NE(receiver.faces, nullptr);
+    ASSERT_EQ(receiver.faces->size(), 7);
+    EXPECT_EQ(receiver.faces->at(0), store->getFaceImages()->at(0));
+    EXPECT_EQ(receiver.faces->at(5), store->getFaceSmileImagess()->at(0));
+
+    model.clearData();
+    model.getImages();
+    EXPECT_EQ(receiver.faces, nullptr) << "after the reset the delegate receives null";
+
+    model.isDocument(true);
+    model.setDocumentSide(VextilDocumentSide(2));
+    store->setDocumentFrontImage(solid(qRgb(0, 255, 0)));
+    store->setDocumentBackImage(solid(qRgb(0, 0, 255)));
+    EXPECT_EQ(model.getAcceptButtonText(), "Yes, send document");
+    model.getImages();
+    EXPECT_EQ(receiver.document, store->getDocumentBackImage()) << "any side but the front shows the back";
+    model.clearData();
+    EXPECT_TRUE(store->hasAllDocument()) << "but clears nothing";
+}
+
+TEST(ConfirmView, LoopsTheImagesOnceASecondAndDrawsTheBorderOnce)
+{
+    VextilConfirmView view;
+    view.resize(390, 760);
+    view.show();
+    const auto border = view.border();
+    ASSERT_TRUE(border.has_value());
+    EXPECT_EQ(*border, QRectF(view.selectImageView()->geometry()).adjusted(-5, -5, 5, 5));
+    view.resize(600, 900);
+    EXPECT_EQ(view.border(), border) << "later layout passes leave the border where it was";
+    EXPECT_EQ(view.cancelButton()->imageEdgeInsets(), QMarginsF(0, 0, 15, 0));
+
+    std::thread other([&] { view.setFaceImages(images(7, qRgb(0, 50, 0))); });
+    other.join();
+    EXPECT_TRUE(view.animationImages().isEmpty()) << "applied on the GUI thread";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view.animationImages().size() == 7; }, 1000));
+    const QImage first = view.currentImage();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view.currentImage() != first; }, 400)) << "7 images a second";
+}
+
+TEST(ConfirmController, AcceptAndRetakeReportOnceAfterTheScreenIsGone)
+{
+    QWidget host;
+    host.resize(390, 844);
+    host.show();
+    auto *store = VextilRepository::sharedInstance();
+    Answers answers;
+    for (bool accept : {true, false}) {
+        store->setFaceImages(images(5, qRgb(1, 1, 1)));
+        store->setFaceSmileImages(images(2, qRgb(2, 2, 2)));
+        VextilConfirmController review;
+        review.setDelegate(&answers);
+        VextilBaseViewController::present(&host, &review, false);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return review.confirmView() && review.confirmView()->animationImages().size() == 7; }, 2000));
+        QTest::mousePress(accept ? review.confirmView()->acceptButton() : review.navigationBar()->backButton(), Qt::LeftButton);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !answers.answers.isEmpty(); }, 2000));
+        EXPECT_FALSE(review.isVisible());
+        EXPECT_EQ(answers.answers, QList<bool>{accept});
+        EXPECT_EQ(store->getFaceImages() != nullptr, accept) << "a retake drops the capture";
+        answers.answers.clear();
+    }
+}
+
+}  // namespace
