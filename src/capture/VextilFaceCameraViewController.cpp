@@ -30,6 +30,12 @@ VextilFaceCameraViewController::~VextilFaceCameraViewController()
         m_captureQueue->shutdown();
 }
 
+void VextilFaceCameraViewController::hideEvent(QHideEvent *)
+{
+    if (m_source)
+        m_source->stop();
+}
+
 void VextilFaceCameraViewController::setModel(VextilFaceCameraModel *model)
 {
     if (m_model && m_model->parent() == this && m_model != model)

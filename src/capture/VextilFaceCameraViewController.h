@@ -79,6 +79,8 @@ protected:
     void viewWillAppear(bool animated) override;
     void viewDidAppear(bool animated) override;
     void resizeEvent(QResizeEvent *) override { setupConstraints(); }
+    /// The camera stops whenever its screen goes, whoever dismissed it.
+    void hideEvent(QHideEvent *) override;
 
 private:
     void setupView();

@@ -20,10 +20,6 @@ void VextilFaceProgressBar::updateProgress(double progress)
         m_shown = value.toDouble();
         update();
     });
-    connect(m_animation, &QObject::destroyed, this, [this, animation = m_animation] {
-        if (m_animation == animation)
-            m_animation = nullptr;
-    });
     m_animation->start(QAbstractAnimation::DeleteWhenStopped);
 }
 

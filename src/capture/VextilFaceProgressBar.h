@@ -2,6 +2,7 @@
 
 #include <VextilToolkit/VextilToolkitExport.h>
 
+#include <QPointer>
 #include <QVariantAnimation>
 #include <QWidget>
 
@@ -34,5 +35,5 @@ private:
     bool m_hasFill = false;
     double m_strokeEnd = 0;
     double m_shown = 0;
-    QVariantAnimation *m_animation = nullptr;
+    QPointer<QVariantAnimation> m_animation;  // null once it stops and deletes itself
 };

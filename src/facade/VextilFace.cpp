@@ -1,5 +1,7 @@
 #include "VextilToolkit/VextilFace.h"
 
+#include "ui/VextilMainQueue.h"
+
 #include <QApplication>
 #include <QThread>
 
@@ -7,8 +9,7 @@ VextilFace *VextilFace::sharedInstance()
 {
     static VextilFace *instance = [] {
         auto *face = new VextilFace;
-        if (QCoreApplication *app = QCoreApplication::instance(); app && face->thread() != app->thread())
-            face->moveToThread(app->thread());
+        VextilMainQueue::adopt(face);
         return face;
     }();
     return instance;

@@ -16,3 +16,9 @@ void VextilMainQueue::dispatchAsync(QObject *guard, std::function<void()> work)
                               }),
                               Qt::QueuedConnection);
 }
+
+void VextilMainQueue::adopt(QObject *object)
+{
+    if (QCoreApplication *app = QCoreApplication::instance(); app && object->thread() != app->thread())
+        object->moveToThread(app->thread());
+}

@@ -2,6 +2,7 @@
 
 #include "upload/VextilUploadEndpoint.h"
 #include "upload/VextilUploadSession.h"
+#include "ui/VextilMainQueue.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -38,10 +39,7 @@ VextilRepository *VextilRepository::sharedInstance()
     // pointer is never deleted, so the store outlives every user.
     static VextilRepository *instance = [] {
         auto *store = new VextilRepository;
-        // Whichever thread asks first, the store belongs to the GUI thread, so that its queued
-        // work never depends on a worker thread that may have ended.
-        if (QCoreApplication *app = QCoreApplication::instance(); app && store->thread() != app->thread())
-            store->moveToThread(app->thread());
+        VextilMainQueue::adopt(store);  // whichever thread asks first
         return store;
     }();
     return instance;

@@ -28,6 +28,12 @@ protected:
         VextilRepository::sharedInstance()->resetAllImages();
     }
 
+    void TearDown() override
+    {
+        // The flow's screens go with deleteLater: let that happen before the next test.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
     void requestFace()
     {
         face->requestFace([this](bool success, std::optional<VextilError> error) {
