@@ -5,6 +5,8 @@
 
 #include <QCoreApplication>
 #include <QGraphicsBlurEffect>
+#include <QGraphicsPixmapItem>
+#include <QGraphicsScene>
 #include <QGraphicsOpacityEffect>
 #include <QPainter>
 #include <QPropertyAnimation>
@@ -19,13 +21,7 @@ constexpr double kLabelAspect = 0.3673469387755102;  // 18 / 49
 // What lies beneath the pop-up, blurred and darkened.
 class BlurBackdrop : public QWidget {
 public:
-    explicit BlurBackdrop(QWidget *overlay) : QWidget(overlay), m_overlay(overlay)
-    {
-        auto *blur = new QGraphicsBlurEffect(this);
-        blur->setBlurRadius(24);
-        blur->setBlurHints(QGraphicsBlurEffect::PerformanceHint);
-        setGraphicsEffect(blur);
-    }
+    explicit BlurBackdrop(QWidget *overlay) : QWidget(overlay), m_overlay(overlay) {}
 
     // Draws the overlay's parent and the siblings stacked beneath the overlay, not the overlay.
     void capture()
@@ -51,8 +47,27 @@ public:
                 sibling->render(&painter, sibling->pos(), QRegion(), QWidget::DrawWindowBackground | QWidget::DrawChildren);
         }
         painter.end();
-        m_shot = shot;
+        m_shot = blurred(shot);
         update();
+    }
+
+    // The blur is applied once, to the picture, rather than as a live effect on this widget:
+    // the overlay fades with an effect of its own, and Qt cannot nest widget effects.
+    static QPixmap blurred(const QPixmap &shot)
+    {
+        QGraphicsScene scene;
+        QGraphicsPixmapItem *item = scene.addPixmap(shot);
+        auto *blur = new QGraphicsBlurEffect;
+        blur->setBlurRadius(24);
+        blur->setBlurHints(QGraphicsBlurEffect::QualityHint);
+        item->setGraphicsEffect(blur);
+        QPixmap out(shot.size());
+        out.setDevicePixelRatio(shot.devicePixelRatio());
+        out.fill(Qt::black);
+        QPainter painter(&out);
+        const QRectF area(QPointF(0, 0), shot.deviceIndependentSize());
+        scene.render(&painter, area, area);
+        return out;
     }
 
 protected:
