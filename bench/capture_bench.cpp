@@ -6,17 +6,20 @@
 #include "LabelledPhotos.h"
 
 #include <VextilToolkit/VextilCascadeFaceDetector.h>
+#include <VextilToolkit/VextilLearnedFaceDetector.h>
 #include <VextilToolkit/VextilFaceCameraModel.h>
 #include <VextilToolkit/VextilImageBuffer.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 
 #include <opencv2/core.hpp>
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <numeric>
 #include <vector>
 
@@ -68,13 +71,14 @@ void conversion()
     std::printf("conversion 720x1280:        mean %6.3f ms   p95 %6.3f ms   (target <= 1 ms)\n", t.mean, t.p95);
 }
 
-void perFrame(const QList<QImage> &frames)
+using Factory = std::function<std::shared_ptr<VextilFaceDetector>()>;
+
+void perFrame(const char *name, const Factory &make, const QList<QImage> &frames)
 {
-    auto detector = std::make_shared<VextilCascadeFaceDetector>();
+    auto detector = make();
     std::vector<double> detect, whole;
     for (const QImage &frame : frames)
         detect.push_back(millis([&] { detector->featuresInImage(frame); }));
-
     VextilFaceCameraModel model(detector);
     model.resetState();
     QCoreApplication::processEvents();
@@ -85,87 +89,71 @@ void perFrame(const QList<QImage> &frames)
         whole.push_back(millis([&] { model.processFace(VextilImageBuffer::imageFromSampleBuffer(buffer)); }));
     }
     const Timing d = summarise(detect), w = summarise(whole);
-    std::printf("detection (clip, %3lld fr):  mean %6.3f ms   p95 %6.3f ms\n", qlonglong(frames.size()), d.mean, d.p95);
-    std::printf("whole per-frame analysis:   mean %6.3f ms   p95 %6.3f ms   (target <= 10 ms mean)\n", w.mean, w.p95);
+    std::printf("%-8s detection mean %6.2f ms p95 %6.2f ms | whole per-frame mean %6.2f ms p95 %6.2f ms\n", name, d.mean,
+                d.p95, w.mean, w.p95);
 }
 
-struct SmileCounts {
-    int truePositive = 0, falsePositive = 0, smiles = 0, neutral = 0, slightFlagged = 0, slight = 0;
-};
-
-SmileCounts countSmiles(const QList<std::pair<QString, VextilCascadeFaceDetector::FaceAnalysis>> &faces,
-                        const VextilCascadeFaceDetector::Settings &settings)
+// Smile verdicts and face matches of one detector on the labelled photos.
+void photos(const char *name, const Factory &make)
 {
-    SmileCounts c;
-    for (const auto &[label, face] : faces) {
-        const bool flagged = VextilCascadeFaceDetector::isSmile(face, settings);
-        if (label == QLatin1String("yes")) {
-            ++c.smiles;
-            c.truePositive += flagged;
-        } else if (label == QLatin1String("no")) {
-            ++c.neutral;
-            c.falsePositive += flagged;
-        } else {
-            ++c.slight;
-            c.slightFlagged += flagged;
-        }
-    }
-    return c;
-}
-
-void photos()
-{
-    VextilCascadeFaceDetector detector;
-    QList<std::pair<QString, VextilCascadeFaceDetector::FaceAnalysis>> faces;
-    int matched = 0, total = 0;
+    auto detector = make();
+    int matched = 0, yes = 0, yesFound = 0, no = 0, noFlagged = 0, slight = 0, slightFlagged = 0;
+    double iouSum = 0;
     for (const LabelledPhoto &photo : loadLabelledPhotos()) {
         const QImage image = loadPhoto(photo);
-        const auto found = detector.analyse(image);
-        ++total;
-        if (found.isEmpty())
-            continue;
-        matched += intersectionOverUnion(topLeftBounds(found.first().bounds, image.height()), photo.face) >= 0.5;
-        faces.append({photo.smile, found.first()});
-    }
-    std::printf("faces found on photos:      %d of %d at IoU >= 0.5\n", matched, total);
-
-    const auto &defaults = detector.settings();
-    const SmileCounts c = countSmiles(faces, defaults);
-    const int flagged = c.truePositive + c.falsePositive;
-    std::printf("smile at default (score >= %d, teeth >= %.2f): precision %d/%d, recall %d/%d; slight flagged %d/%d;"
-                " neutral flagged %d/%d\n",
-                defaults.smileMinScore, defaults.smileMinTeeth, c.truePositive, flagged, c.truePositive, c.smiles,
-                c.slightFlagged, c.slight, c.falsePositive, c.neutral);
-
-    std::printf("smile curve (recall on 'yes' / false smiles on 'no', slight apart):\n  score\\teeth");
-    const double teeth[] = {0.0, 0.05, 0.10, 0.15};
-    for (double t : teeth)
-        std::printf("     %4.2f    ", t);
-    std::printf("\n");
-    for (int score : {0, 1, 15, 30, 45, 60, 90}) {
-        std::printf("  %5d      ", score);
-        for (double t : teeth) {
-            auto settings = defaults;
-            settings.smileMinScore = score;
-            settings.smileMinTeeth = t;
-            const SmileCounts s = countSmiles(faces, settings);
-            std::printf("  %d/%d %d/%d s%d  ", s.truePositive, s.smiles, s.falsePositive, s.neutral, s.slightFlagged);
+        const auto faces = detector->featuresInImage(image);
+        const double iou = faces.isEmpty() ? 0 : intersectionOverUnion(topLeftBounds(faces.first().bounds, image.height()), photo.face);
+        iouSum += iou;
+        matched += iou >= 0.5;
+        const bool smiling = !faces.isEmpty() && faces.first().hasSmile;
+        if (photo.smile == QLatin1String("yes")) {
+            ++yes;
+            yesFound += smiling;
+        } else if (photo.smile == QLatin1String("no")) {
+            ++no;
+            noFlagged += smiling;
+        } else {
+            ++slight;
+            slightFlagged += smiling;
         }
-        std::printf("\n");
     }
+    const int flagged = yesFound + noFlagged;
+    std::printf("%-8s faces IoU>=0.5 %2d/21 (mean IoU %.2f) | clear smiles: recall %d/%d = %.2f, precision %d/%d = %.2f"
+                " | slight called smiling %d/%d\n",
+                name, matched, iouSum / 21, yesFound, yes, double(yesFound) / yes, yesFound, flagged,
+                flagged ? double(yesFound) / flagged : 0.0, slightFlagged, slight);
+    std::printf("%-8s   with slight counted as smiles: recall %d/%d; as neutral: false smiles %d/%d\n", name,
+                yesFound + slightFlagged, yes + slight, noFlagged + slightFlagged, no + slight);
 }
 
-void clip()
+void learnedCurve()
 {
-    const ClipRunResult r = runClip(QStringLiteral(VEXTIL_SELFIE_CLIP), std::make_shared<VextilCascadeFaceDetector>());
-    if (!r.opened) {
-        std::printf("sample clip: cannot read %s\n", VEXTIL_SELFIE_CLIP);
-        return;
+    VextilLearnedFaceDetector detector;
+    QList<std::pair<QString, float>> happy;
+    for (const LabelledPhoto &photo : loadLabelledPhotos()) {
+        const auto values = detector.happiness(loadPhoto(photo));
+        happy.append({photo.smile, values.isEmpty() ? 0.f : values.first()});
     }
-    std::printf("sample clip (simulated):    %s after %d frames; %.2f s from first neutral image to completion;"
-                " %d fall-backs; store %d neutral + %d smiling\n",
-                r.completed ? "completed" : "NOT completed", r.frames, r.completionSeconds - r.firstNeutralSeconds,
-                r.fallbacks, r.storedNeutral, r.storedSmiling);
+    std::printf("learned smile curve (threshold: recall on yes / false smiles on no / slight called smiling):\n ");
+    for (float threshold : {0.3f, 0.4f, 0.5f, 0.6f, 0.7f, 0.8f, 0.9f}) {
+        int yes = 0, no = 0, slight = 0;
+        for (const auto &[label, value] : happy) {
+            const bool smile = value > threshold;
+            (label == QLatin1String("yes") ? yes : label == QLatin1String("no") ? no : slight) += smile;
+        }
+        std::printf(" %.1f: %d/7 %d/7 %d/7 |", threshold, yes, no, slight);
+    }
+    std::printf("\n");
+}
+
+void clips(const char *name, const Factory &make)
+{
+    for (const char *clip : {VEXTIL_SELFIE_CLIP, VEXTIL_CLIP_DIM, VEXTIL_CLIP_BRIGHT}) {
+        const ClipRunResult r = runClip(QString::fromUtf8(clip), make());
+        std::printf("%-8s %-24s %s; %5.2f s from first neutral image to completion; %d fall-backs\n", name,
+                    qPrintable(QFileInfo(QString::fromUtf8(clip)).fileName()), r.completed ? "completed    " : "NOT completed",
+                    r.completed ? r.completionSeconds - r.firstNeutralSeconds : 0.0, r.fallbacks);
+    }
 }
 
 }  // namespace
@@ -177,8 +165,16 @@ int main(int argc, char **argv)
     const QList<QImage> frames = clipFrames();
     std::printf("VextilToolkit capture benchmark (one thread, portrait 720x1280)\n");
     conversion();
-    perFrame(frames);
-    photos();
-    clip();
+    const std::pair<const char *, Factory> detectors[] = {
+        {"cascade", [] { return std::make_shared<VextilCascadeFaceDetector>(); }},
+        {"learned", [] { return std::make_shared<VextilLearnedFaceDetector>(); }},
+    };
+    for (const auto &[name, make] : detectors)
+        perFrame(name, make, frames);
+    for (const auto &[name, make] : detectors)
+        photos(name, make);
+    learnedCurve();
+    for (const auto &[name, make] : detectors)
+        clips(name, make);
     return 0;
 }

@@ -1,10 +1,27 @@
 #include "VextilToolkit/VextilFaceDetector.h"
 
 #include "VextilToolkit/VextilCascadeFaceDetector.h"
+#include "VextilToolkit/VextilLearnedFaceDetector.h"
+
+#include <QLoggingCategory>
+
+#include <atomic>
+#include <mutex>
+
+Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)
+
+namespace {
+std::atomic<VextilFaceDetectorKind> preferred{VextilFaceDetectorKind::Learned};
+}
 
 VextilFaceDetector::~VextilFaceDetector() = default;
 
+void VextilFaceDetector::setPreferredKind(VextilFaceDetectorKind kind) { preferred = kind; }
+VextilFaceDetectorKind VextilFaceDetector::preferredKind() { return preferred; }
+
 std::shared_ptr<VextilFaceDetector> VextilFaceDetector::createDefault()
 {
-    return std::make_shared<VextilCascadeFaceDetector>();
+    if (preferred == VextilFaceDetectorKind::Cascade)
+        return std::make_shared<VextilCascadeFaceDetector>();
+    return VextilLearnedFaceDetector::createOrFallBack(std::make_shared<VextilLearnedFaceDetector>());
 }

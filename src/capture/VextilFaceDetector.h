@@ -8,6 +8,12 @@
 
 #include <memory>
 
+/// The detectors the toolkit ships.
+enum class VextilFaceDetectorKind {
+    Learned,  ///< BlazeFace and the expression network (the default)
+    Cascade,  ///< OpenCV's Haar cascades with teeth evidence
+};
+
 /// Finds faces and smiles in a still image. The face capture model calls it on the capture
 /// thread, one image at a time; an implementation need not be thread-safe.
 class VEXTIL_EXPORT VextilFaceDetector {
@@ -18,6 +24,10 @@ public:
     /// image is null.
     virtual QList<VextilFaceFeature> featuresInImage(const QImage &image) = 0;
 
-    /// The detector the toolkit uses when the host picks none.
+    /// The detector of the preferred kind. The learned one falls back to the cascade one, with
+    /// one warning, when its models cannot be loaded.
     static std::shared_ptr<VextilFaceDetector> createDefault();
+    /// Picks the kind every camera screen built afterwards uses; any thread.
+    static void setPreferredKind(VextilFaceDetectorKind kind);
+    static VextilFaceDetectorKind preferredKind();
 };

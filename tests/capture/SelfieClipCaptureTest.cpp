@@ -1,6 +1,7 @@
 #include "ClipRun.h"
 
 #include <VextilToolkit/VextilCascadeFaceDetector.h>
+#include <VextilToolkit/VextilLearnedFaceDetector.h>
 
 #include <gtest/gtest.h>
 
@@ -17,6 +18,18 @@ TEST(SelfieClipCapture, TheRealDetectorCompletesTheSampleClipWithoutFallingBack)
     // Five neutral images a second apart, then two smiles a second apart each.
     EXPECT_GE(run.completionSeconds - run.firstNeutralSeconds, 6.0);
     EXPECT_GE(run.firstNeutralSeconds, 1.0) << "the clip opens on an empty room";
+}
+
+TEST(SelfieClipCapture, TheLearnedDetectorCompletesEveryClipWithoutFallingBack)
+{
+    for (const char *clip : {VEXTIL_SELFIE_CLIP, VEXTIL_CLIP_DIM, VEXTIL_CLIP_BRIGHT}) {
+        SCOPED_TRACE(clip);
+        const ClipRunResult run = runClip(QString::fromUtf8(clip), std::make_shared<VextilLearnedFaceDetector>());
+        ASSERT_TRUE(run.completed) << "after " << run.frames << " frames";
+        EXPECT_EQ(run.storedNeutral, 5);
+        EXPECT_EQ(run.storedSmiling, 2);
+        EXPECT_EQ(run.fallbacks, 0);
+    }
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ struct Options {
     std::string neutral, smile, output;
     int width = 720, height = 1280;
     double fps = 15, blankSeconds = 1, neutralSeconds = 6, smileSeconds = 3;
+    double brightness = 0, contrast = 1, noise = 2.5;  // light and sensor of the simulated camera
 };
 
 bool parse(int argc, char **argv, Options &o)
@@ -30,6 +31,9 @@ bool parse(int argc, char **argv, Options &o)
         else if (key == "--blank-seconds") o.blankSeconds = std::stod(value);
         else if (key == "--neutral-seconds") o.neutralSeconds = std::stod(value);
         else if (key == "--smile-seconds") o.smileSeconds = std::stod(value);
+        else if (key == "--brightness") o.brightness = std::stod(value);
+        else if (key == "--contrast") o.contrast = std::stod(value);
+        else if (key == "--noise") o.noise = std::stod(value);
         else return false;
     }
     return !o.neutral.empty() && !o.smile.empty() && !o.output.empty() && o.fps > 0;
@@ -58,8 +62,8 @@ cv::Mat emptyRoom(cv::Size size)
     return room;
 }
 
-// A little sway and breathing zoom, then sensor noise.
-cv::Mat cameraFrame(const cv::Mat &scene, double t, cv::RNG &rng)
+// A little sway and breathing zoom, the camera's light response, then sensor noise.
+cv::Mat cameraFrame(const cv::Mat &scene, double t, cv::RNG &rng, const Options &o)
 {
     const double zoom = 1.0 + 0.012 * std::sin(2 * M_PI * t / 3.1);
     const cv::Point2f centre(scene.cols / 2.0f, scene.rows / 2.0f);
@@ -69,9 +73,9 @@ cv::Mat cameraFrame(const cv::Mat &scene, double t, cv::RNG &rng)
     cv::Mat frame;
     cv::warpAffine(scene, frame, motion, scene.size(), cv::INTER_LINEAR, cv::BORDER_REFLECT);
     cv::Mat noise(frame.size(), CV_16SC3);
-    rng.fill(noise, cv::RNG::NORMAL, 0, 2.5);
+    rng.fill(noise, cv::RNG::NORMAL, 0, o.noise);
     cv::Mat noisy;
-    frame.convertTo(noisy, CV_16SC3);
+    frame.convertTo(noisy, CV_16SC3, o.contrast, o.brightness + 128 * (1 - o.contrast));
     noisy += noise;
     noisy.convertTo(frame, CV_8UC3);
     return frame;
@@ -85,7 +89,7 @@ int main(int argc, char **argv)
     if (!parse(argc, argv, o)) {
         std::fprintf(stderr,
                      "usage: %s --neutral PHOTO --smile PHOTO --output CLIP.avi [--fps 15] [--blank-seconds 1]"
-                     " [--neutral-seconds 6] [--smile-seconds 3]\n",
+                     " [--neutral-seconds 6] [--smile-seconds 3] [--brightness 0] [--contrast 1] [--noise 2.5]\n",
                      argv[0]);
         return 2;
     }
@@ -95,9 +99,8 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "cannot read %s\n", neutral.empty() ? o.neutral.c_str() : o.smile.c_str());
         return 1;
     }
-    // OpenCV's own MJPEG writer needs no codec library.
-    cv::VideoWriter writer(o.output, cv::CAP_OPENCV_MJPEG, cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), o.fps, size,
-                           {cv::VIDEOWRITER_PROP_QUALITY, 92});
+    // FFmpeg's Motion JPEG encoder: OpenCV's built-in one truncates the odd frame.
+    cv::VideoWriter writer(o.output, cv::CAP_FFMPEG, cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), o.fps, size);
     if (!writer.isOpened()) {
         std::fprintf(stderr, "cannot write %s\n", o.output.c_str());
         return 1;
@@ -110,7 +113,7 @@ int main(int argc, char **argv)
     for (int i = 0; i < frames; ++i) {
         const double t = i / o.fps;
         const int scene = t < ends[0] ? 0 : t < ends[1] ? 1 : 2;
-        writer.write(cameraFrame(scenes[scene], t, rng));
+        writer.write(cameraFrame(scenes[scene], t, rng, o));
     }
     std::printf("wrote %s: %d frames of %dx%d at %.0f fps\n", o.output.c_str(), frames, o.width, o.height, o.fps);
     return 0;

@@ -1,0 +1,249 @@
+#include "VextilToolkit/VextilFaceExpressionNet.h"
+
+#include <QFile>
+#include <QHash>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <opencv2/dnn.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include <cmath>
+
+namespace {
+
+constexpr int kInput = 112;
+
+// Tensors of the weights file by name, dequantised, in their stored (channels-last) layout.
+using Tensors = QHash<QString, cv::Mat>;
+
+bool readTensors(const QString &manifestPath, const QString &weightsPath, Tensors &tensors, QString &error)
+{
+    QFile manifest(manifestPath), weights(weightsPath);
+    if (!manifest.open(QIODevice::ReadOnly) || !weights.open(QIODevice::ReadOnly)) {
+        error = QStringLiteral("cannot open the expression model %1").arg(manifest.isOpen() ? weightsPath : manifestPath);
+        return false;
+    }
+    const QByteArray bytes = weights.readAll();
+    qsizetype at = 0;
+    for (const QJsonValue &group : QJsonDocument::fromJson(manifest.readAll()).array()) {
+        for (const QJsonValue &entry : group.toObject().value(QStringLiteral("weights")).toArray()) {
+            const QJsonObject w = entry.toObject();
+            int count = 1;
+            for (const QJsonValue &dim : w.value(QStringLiteral("shape")).toArray())
+                count *= dim.toInt();
+            const QJsonObject q = w.value(QStringLiteral("quantization")).toObject();
+            const bool quantised = q.value(QStringLiteral("dtype")).toString() == QLatin1String("uint8");
+            const qsizetype size = quantised ? count : count * qsizetype(sizeof(float));
+            if (at + size > bytes.size()) {
+                error = QStringLiteral("the expression model's weights are shorter than its manifest");
+                return false;
+            }
+            cv::Mat values(1, count, CV_32F);
+            for (int i = 0; i < count; ++i) {
+                values.at<float>(i) = quantised
+                    ? float(q.value(QStringLiteral("min")).toDouble() + q.value(QStringLiteral("scale")).toDouble() * quint8(bytes[at + i]))
+                    : reinterpret_cast<const float *>(bytes.constData() + at)[i];
+            }
+            tensors.insert(w.value(QStringLiteral("name")).toString(), values);
+            at += size;
+        }
+    }
+    return true;
+}
+
+// Builds the network layer by layer; every convolution pads as TensorFlow's "same" does.
+class Builder {
+public:
+    Builder(cv::dnn::Net &net, const Tensors &tensors) : m_net(net), m_tensors(tensors) {}
+
+    // A 3x3 convolution over all input channels; filters stored [3][3][in][out].
+    int conv(int input, const QString &prefix, int in, int out, int stride)
+    {
+        const cv::Mat &tf = m_tensors[prefix + QStringLiteral("/filters")];
+        cv::Mat w = filters(out, in, 3);
+        for (int o = 0; o < out; ++o)
+            for (int i = 0; i < in; ++i)
+                for (int k = 0; k < 9; ++k)
+                    w.ptr<float>()[((o * in + i) * 9) + k] = tf.at<float>((k * in + i) * out + o);
+        return layer(input, convParams(prefix + QStringLiteral("/conv"), out, 3, stride, 1, w, bias(prefix)));
+    }
+
+    // Depthwise 3x3 (no bias), then pointwise 1x1 with the bias: a separable convolution.
+    int separable(int input, const QString &prefix, int in, int out, int stride)
+    {
+        const cv::Mat &dw = m_tensors[prefix + QStringLiteral("/depthwise_filter")];
+        cv::Mat depth = filters(in, 1, 3);
+        for (int c = 0; c < in; ++c)
+            for (int k = 0; k < 9; ++k)
+                depth.ptr<float>()[c * 9 + k] = dw.at<float>(k * in + c);
+        const int depthwise = layer(input, convParams(prefix + QStringLiteral("/dw"), in, 3, stride, in, depth, cv::Mat()));
+        const cv::Mat &pw = m_tensors[prefix + QStringLiteral("/pointwise_filter")];
+        cv::Mat point = filters(out, in, 1);
+        for (int o = 0; o < out; ++o)
+            for (int i = 0; i < in; ++i)
+                point.ptr<float>()[o * in + i] = pw.at<float>(i * out + o);
+        return layer(depthwise, convParams(prefix + QStringLiteral("/pw"), out, 1, 1, 1, point, bias(prefix)));
+    }
+
+    int sum(const QList<int> &inputs)
+    {
+        cv::dnn::LayerParams lp;
+        lp.set("operation", "sum");
+        const int id = m_net.addLayer(name(QStringLiteral("sum")), "Eltwise", lp);
+        for (int i = 0; i < inputs.size(); ++i)
+            m_net.connect(inputs[i], 0, id, i);
+        return id;
+    }
+
+    int relu(int input) { return layer(input, params(QStringLiteral("relu"), "ReLU")); }
+
+    // out1 = relu(conv0); each later output adds to the running sum, which feeds the next.
+    int denseBlock(int input, const QString &prefix, int in, int out, bool first)
+    {
+        const int out1 = relu(first ? conv(input, prefix + QStringLiteral("/conv0"), in, out, 2)
+                                    : separable(input, prefix + QStringLiteral("/conv0"), in, out, 2));
+        const int out2 = separable(out1, prefix + QStringLiteral("/conv1"), out, out, 1);
+        const int out3 = separable(relu(sum({out1, out2})), prefix + QStringLiteral("/conv2"), out, out, 1);
+        const int out4 = separable(relu(sum({out1, out2, out3})), prefix + QStringLiteral("/conv3"), out, out, 1);
+        return relu(sum({out1, out2, out3, out4}));
+    }
+
+    int averagePool(int input)
+    {
+        cv::dnn::LayerParams lp = params(QStringLiteral("pool"), "Pooling");
+        lp.set("pool", "ave");
+        lp.set("kernel_size", 7);
+        lp.set("stride", 2);
+        return layer(input, lp);
+    }
+
+    // 256 -> 7; weights stored [in][out].
+    int fullyConnected(int input)
+    {
+        const cv::Mat &tf = m_tensors[QStringLiteral("fc/weights")];
+        cv::Mat w(7, 256, CV_32F);
+        for (int o = 0; o < 7; ++o)
+            for (int i = 0; i < 256; ++i)
+                w.at<float>(o, i) = tf.at<float>(i * 7 + o);
+        cv::dnn::LayerParams lp = params(QStringLiteral("fc"), "InnerProduct");
+        lp.set("num_output", 7);
+        lp.set("bias_term", true);
+        lp.blobs = {w, m_tensors[QStringLiteral("fc/bias")].clone()};
+        return layer(input, lp);
+    }
+
+private:
+    static cv::Mat filters(int out, int in, int k)
+    {
+        const int shape[] = {out, in, k, k};
+        return cv::Mat(4, shape, CV_32F);
+    }
+    cv::Mat bias(const QString &prefix) const { return m_tensors[prefix + QStringLiteral("/bias")].clone(); }
+    std::string name(const QString &base) { return (base + QString::number(++m_count)).toStdString(); }
+
+    cv::dnn::LayerParams params(const QString &base, const char *type)
+    {
+        cv::dnn::LayerParams lp;
+        lp.name = name(base);
+        lp.type = type;
+        return lp;
+    }
+
+    cv::dnn::LayerParams convParams(const QString &base, int out, int kernel, int stride, int group, const cv::Mat &w, const cv::Mat &b)
+    {
+        cv::dnn::LayerParams lp = params(base, "Convolution");
+        lp.set("num_output", out);
+        lp.set("kernel_size", kernel);
+        lp.set("stride", stride);
+        lp.set("group", group);
+        lp.set("pad_mode", "SAME");
+        lp.set("bias_term", !b.empty());
+        lp.blobs = b.empty() ? std::vector<cv::Mat>{w} : std::vector<cv::Mat>{w, b};
+        return lp;
+    }
+
+    int layer(int input, cv::dnn::LayerParams lp)
+    {
+        const int id = m_net.addLayer(lp.name, lp.type, lp);
+        m_net.connect(input, 0, id, 0);
+        return id;
+    }
+
+    cv::dnn::Net &m_net;
+    const Tensors &m_tensors;
+    int m_count = 0;
+};
+
+}  // namespace
+
+struct VextilFaceExpressionNet::Private {
+    cv::dnn::Net net;
+    QString error;
+    cv::Mat square, crop, blob;
+};
+
+VextilFaceExpressionNet::VextilFaceExpressionNet()
+    : VextilFaceExpressionNet(QStringLiteral(":/VextilToolkit/models/face-expression/face_expression_model-weights_manifest.json"),
+                              QStringLiteral(":/VextilToolkit/models/face-expression/face_expression_model.bin"))
+{
+}
+
+VextilFaceExpressionNet::VextilFaceExpressionNet(const QString &manifestPath, const QString &weightsPath)
+    : d(std::make_unique<Private>())
+{
+    Tensors tensors;
+    if (!readTensors(manifestPath, weightsPath, tensors, d->error))
+        return;
+    try {
+        Builder build(d->net, tensors);
+        int x = 0;  // the network's input
+        const int widths[] = {32, 64, 128, 256};
+        int in = 3;
+        for (int block = 0; block < 4; ++block) {
+            x = build.denseBlock(x, QStringLiteral("dense%1").arg(block), in, widths[block], block == 0);
+            in = widths[block];
+        }
+        build.fullyConnected(build.averagePool(x));
+        d->net.setInputsNames({"image"});
+    } catch (const cv::Exception &e) {
+        d->error = QStringLiteral("the expression model cannot be built: %1").arg(QString::fromUtf8(e.what()));
+        d->net = cv::dnn::Net();
+    }
+}
+
+VextilFaceExpressionNet::~VextilFaceExpressionNet() = default;
+
+bool VextilFaceExpressionNet::isLoaded() const { return d->error.isEmpty(); }
+QString VextilFaceExpressionNet::errorString() const { return d->error; }
+
+VextilFaceExpressionNet::Probabilities VextilFaceExpressionNet::classify(const QImage &image, const QRectF &face)
+{
+    Probabilities result{};
+    const QRect box = face.toRect().intersected(image.rect());
+    if (!isLoaded() || image.isNull() || box.width() < 2 || box.height() < 2)
+        return result;
+    const QImage frame = image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32
+                             ? image : image.convertToFormat(QImage::Format_RGB32);
+    const cv::Mat bgrx(frame.height(), frame.width(), CV_8UC4, const_cast<uchar *>(frame.constBits()), size_t(frame.bytesPerLine()));
+    // The crop goes in the middle of a black square, which is then scaled to the input size.
+    const int side = std::max(box.width(), box.height());
+    d->square.create(side, side, CV_8UC3);
+    d->square.setTo(cv::Scalar::all(0));
+    const cv::Rect inside((side - box.width()) / 2, (side - box.height()) / 2, box.width(), box.height());
+    cv::cvtColor(bgrx(cv::Rect(box.x(), box.y(), box.width(), box.height())), d->square(inside), cv::COLOR_BGRA2RGB);
+    cv::resize(d->square, d->crop, cv::Size(kInput, kInput), 0, 0, cv::INTER_LINEAR);
+    d->blob = cv::dnn::blobFromImage(d->crop, 1.0 / 255, cv::Size(), cv::Scalar(122.782, 117.001, 104.298), false, false);
+    d->net.setInput(d->blob);
+    const cv::Mat logits = d->net.forward();
+    float peak = logits.ptr<float>()[0];
+    for (int i = 1; i < 7; ++i)
+        peak = std::max(peak, logits.ptr<float>()[i]);
+    float total = 0;
+    for (int i = 0; i < 7; ++i)
+        total += result[size_t(i)] = std::exp(logits.ptr<float>()[i] - peak);
+    for (float &p : result)
+        p /= total;
+    return result;
+}

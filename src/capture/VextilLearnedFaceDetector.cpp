@@ -1,0 +1,49 @@
+#include "VextilToolkit/VextilLearnedFaceDetector.h"
+
+#include "VextilToolkit/VextilCascadeFaceDetector.h"
+
+#include <QLoggingCategory>
+
+Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)
+
+VextilLearnedFaceDetector::VextilLearnedFaceDetector(float smileThreshold) : m_smileThreshold(smileThreshold) {}
+
+VextilLearnedFaceDetector::VextilLearnedFaceDetector(const QString &faceModel, const QString &expressionManifest,
+                                                     const QString &expressionWeights, float smileThreshold)
+    : m_faces(faceModel), m_expressions(expressionManifest, expressionWeights), m_smileThreshold(smileThreshold)
+{
+}
+
+std::shared_ptr<VextilFaceDetector> VextilLearnedFaceDetector::createOrFallBack(std::shared_ptr<VextilLearnedFaceDetector> learned)
+{
+    if (learned && learned->isLoaded())
+        return learned;
+    qCWarning(lcVextilDetector).noquote() << "the learned face detector is unavailable, using the cascade detector:"
+                                          << (learned ? learned->errorString() : QStringLiteral("none given"));
+    return std::make_shared<VextilCascadeFaceDetector>();
+}
+
+QString VextilLearnedFaceDetector::errorString() const
+{
+    return !m_faces.isLoaded() ? m_faces.errorString() : m_expressions.errorString();
+}
+
+QList<float> VextilLearnedFaceDetector::happiness(const QImage &image)
+{
+    QList<float> happy;
+    for (const VextilBlazeFace::Face &face : m_faces.detect(image))
+        happy.append(m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy]);
+    return happy;
+}
+
+QList<VextilFaceFeature> VextilLearnedFaceDetector::featuresInImage(const QImage &image)
+{
+    QList<VextilFaceFeature> features;
+    for (const VextilBlazeFace::Face &face : m_faces.detect(image)) {
+        const float happy = m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy];
+        // The contract's bounds have their origin at the bottom left.
+        const QRectF bounds(face.bounds.x(), image.height() - face.bounds.bottom(), face.bounds.width(), face.bounds.height());
+        features.append({bounds, happy > m_smileThreshold});
+    }
+    return features;
+}
