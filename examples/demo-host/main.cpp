@@ -14,6 +14,8 @@
 #include <QApplication>
 #include <QCommandLineParser>
 
+#include <cstdio>
+
 namespace {
 
 // A host's own colours: teal accents instead of the toolkit's blue and violet.
@@ -50,6 +52,10 @@ int main(int argc, char **argv)
     QString clip = options.value(QStringLiteral("camera-file"));
     if (clip.isEmpty() && options.isSet(QStringLiteral("unattended")))
         clip = QStringLiteral(VEXTIL_SELFIE_CLIP);
+    if (!clip.isEmpty() && !VextilVideoFileSource(clip).isAvailable()) {
+        std::fprintf(stderr, "error: cannot read the video file %s\n", qPrintable(clip));
+        return 1;
+    }
     if (!clip.isEmpty())
         VextilFace::sharedInstance()->setFrameSourceFactory([clip] { return std::make_unique<VextilVideoFileSource>(clip, true); });
 

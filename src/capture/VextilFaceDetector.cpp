@@ -3,12 +3,7 @@
 #include "VextilToolkit/VextilCascadeFaceDetector.h"
 #include "VextilToolkit/VextilLearnedFaceDetector.h"
 
-#include <QLoggingCategory>
-
 #include <atomic>
-#include <mutex>
-
-Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)
 
 namespace {
 std::atomic<VextilFaceDetectorKind> preferred{VextilFaceDetectorKind::Learned};

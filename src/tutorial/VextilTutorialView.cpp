@@ -107,7 +107,6 @@ private:
 
 VextilTutorialView::VextilTutorialView(QWidget *parent) : QWidget(parent)
 {
-    m_blur = new BlurBackdrop(this);
     addBlurEffectView();
 }
 
@@ -116,14 +115,11 @@ void VextilTutorialView::addBlurEffectView()
     m_reduceTransparency = VextilToolkitSettings::sharedInstance()->isReduceTransparencyEnabled();
     if (m_reduceTransparency) {
         // Black at 75%, box included, instead of a blur.
-        m_blur->hide();
-        m_blur->setParent(nullptr);
-        m_blur->deleteLater();
-        m_blur = nullptr;
         auto *opacity = new QGraphicsOpacityEffect(this);
         opacity->setOpacity(0.75);
         setGraphicsEffect(opacity);
     } else {
+        m_blur = new BlurBackdrop(this);
         m_blur->setGeometry(rect());
     }
     addViews();
