@@ -5,7 +5,9 @@
 #include "ClipRun.h"
 #include "LabelledPhotos.h"
 
+#include <VextilToolkit/VextilBlazeFace.h>
 #include <VextilToolkit/VextilCascadeFaceDetector.h>
+#include <VextilToolkit/VextilFaceExpressionNet.h>
 #include <VextilToolkit/VextilLearnedFaceDetector.h>
 #include <VextilToolkit/VextilFaceCameraModel.h>
 #include <VextilToolkit/VextilImageBuffer.h>
@@ -73,12 +75,46 @@ void conversion()
 
 using Factory = std::function<std::shared_ptr<VextilFaceDetector>()>;
 
+// This machine's neighbours come and go: of three passes over the frames, the middle one.
+Timing medianPass(const QList<QImage> &frames, const std::function<void(const QImage &)> &work)
+{
+    std::vector<Timing> passes;
+    for (int pass = 0; pass < 3; ++pass) {
+        std::vector<double> ms;
+        for (const QImage &frame : frames)
+            ms.push_back(millis([&] { work(frame); }));
+        passes.push_back(summarise(ms));
+    }
+    std::sort(passes.begin(), passes.end(), [](const Timing &a, const Timing &b) { return a.mean < b.mean; });
+    return passes[1];
+}
+
+// The learned detector's two networks apart, each with its own input preparation.
+void learnedParts(const QList<QImage> &frames)
+{
+    VextilBlazeFace faces;
+    VextilFaceExpressionNet expressions;
+    const Timing f = medianPass(frames, [&](const QImage &frame) { faces.detect(frame); });
+    QList<QRectF> boxes;
+    for (const QImage &frame : frames) {
+        const auto found = faces.detect(frame);
+        boxes.append(found.isEmpty() ? QRectF() : found.first().bounds);
+    }
+    qsizetype at = 0;
+    const Timing e = medianPass(frames, [&](const QImage &frame) {
+        const QRectF box = boxes[at++ % boxes.size()];
+        if (!box.isEmpty())
+            expressions.classify(frame, box);
+    });
+    std::printf("learned    faces network mean %5.2f ms p95 %5.2f ms | expression network, frames with a face, mean %5.2f ms p95 %5.2f ms\n",
+                f.mean, f.p95, e.mean, e.p95);
+}
+
 void perFrame(const char *name, const Factory &make, const QList<QImage> &frames)
 {
     auto detector = make();
-    std::vector<double> detect, whole;
-    for (const QImage &frame : frames)
-        detect.push_back(millis([&] { detector->featuresInImage(frame); }));
+    std::vector<double> whole;
+    const Timing d = medianPass(frames, [&](const QImage &frame) { detector->featuresInImage(frame); });
     VextilFaceCameraModel model(detector);
     model.resetState();
     QCoreApplication::processEvents();
@@ -88,7 +124,7 @@ void perFrame(const char *name, const Factory &make, const QList<QImage> &frames
                                         frame.bytesPerLine()};
         whole.push_back(millis([&] { model.processFace(VextilImageBuffer::imageFromSampleBuffer(buffer)); }));
     }
-    const Timing d = summarise(detect), w = summarise(whole);
+    const Timing w = summarise(whole);
     std::printf("%-8s detection mean %6.2f ms p95 %6.2f ms | whole per-frame mean %6.2f ms p95 %6.2f ms\n", name, d.mean,
                 d.p95, w.mean, w.p95);
 }
@@ -171,6 +207,7 @@ int main(int argc, char **argv)
     };
     for (const auto &[name, make] : detectors)
         perFrame(name, make, frames);
+    learnedParts(frames);
     for (const auto &[name, make] : detectors)
         photos(name, make);
     learnedCurve();

@@ -1,5 +1,7 @@
 #include "VextilToolkit/VextilBlazeFace.h"
 
+#include "VextilDepthwiseConvolution.h"
+
 #include <QFile>
 
 #include <opencv2/dnn.hpp>
@@ -88,7 +90,7 @@ struct VextilBlazeFace::Private {
     QString error;
     std::vector<std::string> outputs{"Identity:0", "Identity_1:0", "Identity_2:0", "Identity_3:0"};
     cv::Mat square = cv::Mat(kInput, kInput, CV_8UC3);  // reused for every frame
-    cv::Mat scaled, input;
+    cv::Mat halfway, scaled, input;
 };
 
 VextilBlazeFace::VextilBlazeFace() : VextilBlazeFace(builtInModel()) {}
@@ -102,7 +104,14 @@ VextilBlazeFace::VextilBlazeFace(const QString &modelPath) : d(std::make_unique<
     }
     const QByteArray model = file.readAll();
     try {
-        d->net = cv::dnn::readNetFromONNX(model.constData(), size_t(model.size()));
+        // The first pass creates the layers, so that the depthwise ones are our faster kind.
+        VextilDepthwiseConvolution::replacingOpenCvDepthwise([&] {
+            d->net = cv::dnn::readNetFromONNX(model.constData(), size_t(model.size()));
+            const int shape[] = {1, kInput, kInput, 3};
+            d->net.setInput(cv::Mat(4, shape, CV_32F, cv::Scalar(0)));
+            std::vector<cv::Mat> out;
+            d->net.forward(out, d->outputs);
+        });
     } catch (const cv::Exception &) {
         d->net = cv::dnn::Net();
     }
@@ -127,7 +136,14 @@ QList<VextilBlazeFace::Face> VextilBlazeFace::detect(const QImage &image, float 
     const double scale = double(kInput) / std::max(frame.width(), frame.height());
     const cv::Size fitted(std::max(1, int(std::lround(frame.width() * scale))), std::max(1, int(std::lround(frame.height() * scale))));
     const cv::Point offset((kInput - fitted.width) / 2, (kInput - fitted.height) / 2);
-    cv::resize(bgrx, d->scaled, fitted, 0, 0, cv::INTER_AREA);
+    // Averaging every pixel of a large frame costs more than the network; a bilinear pass to
+    // twice the size, then a 2x2 average, keeps most of the anti-aliasing for a tenth of that.
+    if (scale < 0.5) {
+        cv::resize(bgrx, d->halfway, fitted * 2, 0, 0, cv::INTER_LINEAR);
+        cv::resize(d->halfway, d->scaled, fitted, 0, 0, cv::INTER_AREA);
+    } else {
+        cv::resize(bgrx, d->scaled, fitted, 0, 0, cv::INTER_AREA);
+    }
     d->square.setTo(cv::Scalar::all(0));
     cv::cvtColor(d->scaled, d->square(cv::Rect(offset, fitted)), cv::COLOR_BGRA2RGB);
     d->square.convertTo(d->input, CV_32F, 1.0 / 127.5, -1.0);

@@ -1,5 +1,7 @@
 #include "VextilToolkit/VextilFaceExpressionNet.h"
 
+#include "VextilDepthwiseConvolution.h"
+
 #include <QFile>
 #include <QHash>
 #include <QJsonArray>
@@ -9,6 +11,7 @@
 #include <opencv2/dnn.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -67,47 +70,47 @@ public:
             for (int i = 0; i < in; ++i)
                 for (int k = 0; k < 9; ++k)
                     w.ptr<float>()[((o * in + i) * 9) + k] = tf.at<float>((k * in + i) * out + o);
-        return layer(input, convParams(prefix + QStringLiteral("/conv"), out, 3, stride, 1, w, bias(prefix)));
+        return layer(input, convParams(name(prefix + QStringLiteral("/conv")), out, 3, stride, w, bias(prefix)));
     }
 
-    // Depthwise 3x3 (no bias), then pointwise 1x1 with the bias: a separable convolution.
-    int separable(int input, const QString &prefix, int in, int out, int stride)
+    // Depthwise 3x3 (no bias), then pointwise 1x1 with the bias: a separable convolution. Of
+    // several inputs, it convolves the ReLU of their sum.
+    int separable(const QList<int> &inputs, const QString &prefix, int in, int out, int stride)
     {
         const cv::Mat &dw = m_tensors[prefix + QStringLiteral("/depthwise_filter")];
         cv::Mat depth = filters(in, 1, 3);
         for (int c = 0; c < in; ++c)
             for (int k = 0; k < 9; ++k)
                 depth.ptr<float>()[c * 9 + k] = dw.at<float>(k * in + c);
-        const int depthwise = layer(input, convParams(prefix + QStringLiteral("/dw"), in, 3, stride, in, depth, cv::Mat()));
+        const std::string dwName = name(prefix + QStringLiteral("/dw"));
+        const int depthwise = layer(inputs, VextilDepthwiseConvolution::params(dwName, depth, cv::Mat(), stride, inputs.size() > 1));
         const cv::Mat &pw = m_tensors[prefix + QStringLiteral("/pointwise_filter")];
         cv::Mat point = filters(out, in, 1);
         for (int o = 0; o < out; ++o)
             for (int i = 0; i < in; ++i)
                 point.ptr<float>()[o * in + i] = pw.at<float>(i * out + o);
-        return layer(depthwise, convParams(prefix + QStringLiteral("/pw"), out, 1, 1, 1, point, bias(prefix)));
+        return layer(depthwise, convParams(name(prefix + QStringLiteral("/pw")), out, 1, 1, point, bias(prefix)));
     }
 
     int sum(const QList<int> &inputs)
     {
-        cv::dnn::LayerParams lp;
+        cv::dnn::LayerParams lp = params(QStringLiteral("sum"), "Eltwise");
         lp.set("operation", "sum");
-        const int id = m_net.addLayer(name(QStringLiteral("sum")), "Eltwise", lp);
-        for (int i = 0; i < inputs.size(); ++i)
-            m_net.connect(inputs[i], 0, id, i);
-        return id;
+        return layer(inputs, lp);
     }
 
     int relu(int input) { return layer(input, params(QStringLiteral("relu"), "ReLU")); }
 
-    // out1 = relu(conv0); each later output adds to the running sum, which feeds the next.
-    int denseBlock(int input, const QString &prefix, int in, int out, bool first)
+    // out1 = relu(conv0); each later convolution reads the ReLU of the sum of the block's
+    // earlier outputs, and so does the next block.
+    QList<int> denseBlock(const QList<int> &inputs, const QString &prefix, int in, int out, bool first)
     {
-        const int out1 = relu(first ? conv(input, prefix + QStringLiteral("/conv0"), in, out, 2)
-                                    : separable(input, prefix + QStringLiteral("/conv0"), in, out, 2));
-        const int out2 = separable(out1, prefix + QStringLiteral("/conv1"), out, out, 1);
-        const int out3 = separable(relu(sum({out1, out2})), prefix + QStringLiteral("/conv2"), out, out, 1);
-        const int out4 = separable(relu(sum({out1, out2, out3})), prefix + QStringLiteral("/conv3"), out, out, 1);
-        return relu(sum({out1, out2, out3, out4}));
+        const int out1 = relu(first ? conv(inputs.first(), prefix + QStringLiteral("/conv0"), in, out, 2)
+                                    : separable(inputs, prefix + QStringLiteral("/conv0"), in, out, 2));
+        const int out2 = separable({out1}, prefix + QStringLiteral("/conv1"), out, out, 1);
+        const int out3 = separable({out1, out2}, prefix + QStringLiteral("/conv2"), out, out, 1);
+        const int out4 = separable({out1, out2, out3}, prefix + QStringLiteral("/conv3"), out, out, 1);
+        return {out1, out2, out3, out4};
     }
 
     int averagePool(int input)
@@ -151,23 +154,27 @@ private:
         return lp;
     }
 
-    cv::dnn::LayerParams convParams(const QString &base, int out, int kernel, int stride, int group, const cv::Mat &w, const cv::Mat &b)
+    cv::dnn::LayerParams convParams(const std::string &layerName, int out, int kernel, int stride, const cv::Mat &w, const cv::Mat &b)
     {
-        cv::dnn::LayerParams lp = params(base, "Convolution");
+        cv::dnn::LayerParams lp;
+        lp.name = layerName;
+        lp.type = "Convolution";
         lp.set("num_output", out);
         lp.set("kernel_size", kernel);
         lp.set("stride", stride);
-        lp.set("group", group);
         lp.set("pad_mode", "SAME");
         lp.set("bias_term", !b.empty());
         lp.blobs = b.empty() ? std::vector<cv::Mat>{w} : std::vector<cv::Mat>{w, b};
         return lp;
     }
 
-    int layer(int input, cv::dnn::LayerParams lp)
+    int layer(int input, cv::dnn::LayerParams lp) { return layer(QList<int>{input}, std::move(lp)); }
+
+    int layer(const QList<int> &inputs, cv::dnn::LayerParams lp)
     {
         const int id = m_net.addLayer(lp.name, lp.type, lp);
-        m_net.connect(input, 0, id, 0);
+        for (int i = 0; i < inputs.size(); ++i)
+            m_net.connect(inputs[i], 0, id, i);
         return id;
     }
 
@@ -181,7 +188,7 @@ private:
 struct VextilFaceExpressionNet::Private {
     cv::dnn::Net net;
     QString error;
-    cv::Mat square, crop, blob;
+    cv::Mat halfway, scaled, crop, blob;
 };
 
 VextilFaceExpressionNet::VextilFaceExpressionNet()
@@ -197,15 +204,16 @@ VextilFaceExpressionNet::VextilFaceExpressionNet(const QString &manifestPath, co
     if (!readTensors(manifestPath, weightsPath, tensors, d->error))
         return;
     try {
+        VextilDepthwiseConvolution::registerType();
         Builder build(d->net, tensors);
-        int x = 0;  // the network's input
+        QList<int> x{0};  // the network's input
         const int widths[] = {32, 64, 128, 256};
         int in = 3;
         for (int block = 0; block < 4; ++block) {
             x = build.denseBlock(x, QStringLiteral("dense%1").arg(block), in, widths[block], block == 0);
             in = widths[block];
         }
-        build.fullyConnected(build.averagePool(x));
+        build.fullyConnected(build.averagePool(build.relu(build.sum(x))));
         d->net.setInputsNames({"image"});
     } catch (const cv::Exception &e) {
         d->error = QStringLiteral("the expression model cannot be built: %1").arg(QString::fromUtf8(e.what()));
@@ -227,13 +235,23 @@ VextilFaceExpressionNet::Probabilities VextilFaceExpressionNet::classify(const Q
     const QImage frame = image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32
                              ? image : image.convertToFormat(QImage::Format_RGB32);
     const cv::Mat bgrx(frame.height(), frame.width(), CV_8UC4, const_cast<uchar *>(frame.constBits()), size_t(frame.bytesPerLine()));
-    // The crop goes in the middle of a black square, which is then scaled to the input size.
-    const int side = std::max(box.width(), box.height());
-    d->square.create(side, side, CV_8UC3);
-    d->square.setTo(cv::Scalar::all(0));
-    const cv::Rect inside((side - box.width()) / 2, (side - box.height()) / 2, box.width(), box.height());
-    cv::cvtColor(bgrx(cv::Rect(box.x(), box.y(), box.width(), box.height())), d->square(inside), cv::COLOR_BGRA2RGB);
-    cv::resize(d->square, d->crop, cv::Size(kInput, kInput), 0, 0, cv::INTER_LINEAR);
+    // The crop, scaled, goes in the middle of a black input square. Scaling before converting
+    // only touches the pixels the network sees.
+    const double scale = double(kInput) / std::max(box.width(), box.height());
+    const cv::Size fitted(std::clamp(int(std::lround(box.width() * scale)), 1, kInput),
+                          std::clamp(int(std::lround(box.height() * scale)), 1, kInput));
+    const cv::Mat region = bgrx(cv::Rect(box.x(), box.y(), box.width(), box.height()));
+    if (scale < 0.5) {
+        // Sensor noise aliases into a plain bilinear reduction: twice the size, then 2x2 means.
+        cv::resize(region, d->halfway, fitted * 2, 0, 0, cv::INTER_LINEAR);
+        cv::resize(d->halfway, d->scaled, fitted, 0, 0, cv::INTER_AREA);
+    } else {
+        cv::resize(region, d->scaled, fitted, 0, 0, cv::INTER_LINEAR);
+    }
+    d->crop.create(kInput, kInput, CV_8UC3);
+    d->crop.setTo(cv::Scalar::all(0));
+    cv::cvtColor(d->scaled, d->crop(cv::Rect((kInput - fitted.width) / 2, (kInput - fitted.height) / 2, fitted.width, fitted.height)),
+                 cv::COLOR_BGRA2RGB);
     d->blob = cv::dnn::blobFromImage(d->crop, 1.0 / 255, cv::Size(), cv::Scalar(122.782, 117.001, 104.298), false, false);
     d->net.setInput(d->blob);
     const cv::Mat logits = d->net.forward();

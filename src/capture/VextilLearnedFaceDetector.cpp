@@ -4,6 +4,8 @@
 
 #include <QLoggingCategory>
 
+#include <cmath>
+
 Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)
 
 VextilLearnedFaceDetector::VextilLearnedFaceDetector(float smileThreshold) : m_smileThreshold(smileThreshold) {}
@@ -36,14 +38,24 @@ QList<float> VextilLearnedFaceDetector::happiness(const QImage &image)
     return happy;
 }
 
+QRectF VextilLearnedFaceDetector::faceBounds(const VextilBlazeFace::Face &face)
+{
+    const auto distance = [](QPointF a, QPointF b) { return std::hypot(a.x() - b.x(), a.y() - b.y()); };
+    const QPointF eyes = (face.keyPoints[0] + face.keyPoints[1]) / 2;
+    const QPointF mouth = face.keyPoints[3];
+    const double side = 2.5 * (distance(eyes, mouth) + distance(face.keyPoints[0], face.keyPoints[1])) / 2;
+    const QPointF centre = (eyes + mouth) / 2 - QPointF(0, 0.1 * side);
+    return {centre - QPointF(side / 2, side / 2), QSizeF(side, side)};
+}
+
 QList<VextilFaceFeature> VextilLearnedFaceDetector::featuresInImage(const QImage &image)
 {
     QList<VextilFaceFeature> features;
     for (const VextilBlazeFace::Face &face : m_faces.detect(image)) {
         const float happy = m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy];
         // The contract's bounds have their origin at the bottom left.
-        const QRectF bounds(face.bounds.x(), image.height() - face.bounds.bottom(), face.bounds.width(), face.bounds.height());
-        features.append({bounds, happy > m_smileThreshold});
+        const QRectF box = faceBounds(face);
+        features.append({QRectF(box.x(), image.height() - box.bottom(), box.width(), box.height()), happy > m_smileThreshold});
     }
     return features;
 }

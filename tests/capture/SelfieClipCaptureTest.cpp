@@ -29,6 +29,8 @@ TEST(SelfieClipCapture, TheLearnedDetectorCompletesEveryClipWithoutFallingBack)
         EXPECT_EQ(run.storedNeutral, 5);
         EXPECT_EQ(run.storedSmiling, 2);
         EXPECT_EQ(run.fallbacks, 0);
+        // The smile begins right after the fifth neutral image: each smiling frame must be seen.
+        EXPECT_LE(run.completionSeconds - run.firstNeutralSeconds, 6.5);
     }
 }
 

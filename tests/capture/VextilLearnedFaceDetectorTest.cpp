@@ -43,7 +43,7 @@ TEST(BlazeFace, AMissingModelIsReportedAndFindsNothing)
     EXPECT_TRUE(missing.detect(loadPhoto(loadLabelledPhotos().first())).isEmpty());
 }
 
-TEST(LearnedFaceDetector, FindsEveryClearSmileAndKnowsWhichNeutralFacesItMistakes)
+TEST(LearnedFaceDetector, FindsEveryFaceAndClearSmileAndKnowsWhichNeutralFacesItMistakes)
 {
     VextilLearnedFaceDetector detector;
     ASSERT_TRUE(detector.isLoaded()) << qPrintable(detector.errorString());
@@ -52,7 +52,8 @@ TEST(LearnedFaceDetector, FindsEveryClearSmileAndKnowsWhichNeutralFacesItMistake
         const QImage image = loadPhoto(photo);
         const QList<VextilFaceFeature> faces = detector.featuresInImage(image);
         ASSERT_FALSE(faces.isEmpty());
-        EXPECT_GE(intersectionOverUnion(topLeftBounds(faces.first().bounds, image.height()), photo.face), 0.4);
+        // Bounds from the key points: forehead to chin, even on turned and tilted heads.
+        EXPECT_GE(intersectionOverUnion(topLeftBounds(faces.first().bounds, image.height()), photo.face), 0.5);
         if (photo.smile == "yes") {
             EXPECT_TRUE(faces.first().hasSmile);
         }

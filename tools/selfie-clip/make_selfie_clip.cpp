@@ -16,7 +16,9 @@ namespace {
 struct Options {
     std::string neutral, smile, output;
     int width = 720, height = 1280;
-    double fps = 15, blankSeconds = 1, neutralSeconds = 6, smileSeconds = 3;
+    // The smile begins half a second after the fifth neutral image would be taken, as a user
+    // does who smiles when asked: the capture can end 6 s after the first neutral image.
+    double fps = 15, blankSeconds = 1, neutralSeconds = 4.5, smileSeconds = 3;
     double brightness = 0, contrast = 1, noise = 2.5;  // light and sensor of the simulated camera
 };
 
