@@ -13,8 +13,9 @@
 /// 32, 64, 128 and 256 channels, 7x7 average pooling, a 7-way softmax), built on OpenCV's DNN
 /// module from uint8-quantised weights (value = minimum + scale x byte, per tensor).
 ///
-/// Input: the face crop padded to a centred square, resized to 112x112 (bilinear), RGB, minus
-/// the mean (122.782, 117.001, 104.298), divided by 255.
+/// Input: the face crop padded to a centred square, resized to 112x112 (bilinear; a crop more
+/// than twice that size is first scaled to twice the size, then averaged 2x2, so that sensor
+/// noise does not alias), RGB, minus the mean (122.782, 117.001, 104.298), divided by 255.
 class VEXTIL_EXPORT VextilFaceExpressionNet {
 public:
     /// Probabilities in this order.
