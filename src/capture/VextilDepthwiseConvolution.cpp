@@ -8,10 +8,20 @@
 
 namespace {
 
-// Our own key for top, left, bottom and right padding, apart from OpenCV's parameter names.
+// Our own parameter keys, apart from OpenCV's names. Padding is top, left, bottom, right.
 constexpr const char *kPads = "vextil_pads";
 constexpr const char *kReluOfSum = "vextil_relu_of_sum";
 constexpr const char *kStride = "vextil_stride";
+
+#if defined(__SANITIZE_THREAD__)
+extern "C" void __tsan_acquire(void *address);
+extern "C" void __tsan_release(void *address);
+void announce(const void *edge) { __tsan_release(const_cast<void *>(edge)); }
+void await(const void *edge) { __tsan_acquire(const_cast<void *>(edge)); }
+#else
+void announce(const void *) {}
+void await(const void *) {}
+#endif
 
 std::mutex &replacementMutex()
 {
@@ -19,12 +29,18 @@ std::mutex &replacementMutex()
     return mutex;
 }
 
-// One output run at the padded row stride: all nine taps summed in registers, so each output
-// is stored once. This is the one loop all the time goes into; on x86-64 Linux, a second copy
-// for AVX2 and FMA is picked at load time on processors that have them.
-#if defined(__GNUC__) && defined(__x86_64__) && defined(__linux__)
-__attribute__((target_clones("arch=x86-64-v3", "default")))
+// The loops all the time goes into. On x86-64 Linux, a second copy of each for AVX2 and FMA is
+// picked at load time on processors that have them. Not under ThreadSanitizer: the picking runs
+// before its runtime is up, and crashes.
+#if defined(__GNUC__) && defined(__x86_64__) && defined(__linux__) && !defined(__SANITIZE_THREAD__)
+#define VEXTIL_WITH_AVX2_COPY __attribute__((target_clones("arch=x86-64-v3", "default")))
+#else
+#define VEXTIL_WITH_AVX2_COPY
 #endif
+
+// One output run at the padded row stride: all nine taps summed in registers, so each output
+// is stored once.
+VEXTIL_WITH_AVX2_COPY
 void convolveRun(float *out, const float *padded, int width, const float *k, float bias, int count)
 {
     const float *r0 = padded, *r1 = padded + width, *r2 = padded + 2 * width;
@@ -36,9 +52,7 @@ void convolveRun(float *out, const float *padded, int width, const float *k, flo
 }
 
 // One output row of a stride-2 convolution from three padded input rows.
-#if defined(__GNUC__) && defined(__x86_64__) && defined(__linux__)
-__attribute__((target_clones("arch=x86-64-v3", "default")))
-#endif
+VEXTIL_WITH_AVX2_COPY
 void convolveRowStride2(float *out, const float *r0, const float *r1, const float *r2, const float *k, float bias, int count)
 {
     for (int i = 0; i < count; ++i) {
@@ -177,19 +191,38 @@ void VextilDepthwiseConvolution::forward(cv::InputArrayOfArrays inputs, cv::Outp
     std::vector<const float *> sources;
     for (const cv::Mat &input : in)
         sources.push_back(input.ptr<float>());
-    const int channels = m_weights.rows;
-    const size_t inPlane = size_t(m_inHeight) * size_t(m_inWidth), outPlane = size_t(m_outHeight) * size_t(m_outWidth);
-    float *target = out[0].ptr<float>();
-    cv::parallel_for_(cv::Range(0, in[0].size[0] * channels), [&](const cv::Range &planes) {
-        std::vector<float> padded, result;
-        std::vector<const float *> plane(sources.size());
-        for (int p = planes.start; p < planes.end; ++p) {
-            for (size_t i = 0; i < sources.size(); ++i)
-                plane[i] = sources[i] + size_t(p) * inPlane;
-            pad(plane, padded);
-            convolvePlane(padded, p % channels, result, target + size_t(p) * outPlane);
-        }
-    });
+    const PlaneLoop loop(*this, sources, out[0].ptr<float>());
+    loop.run(in[0].size[0] * m_weights.rows);
+}
+
+VextilDepthwiseConvolution::PlaneLoop::PlaneLoop(const VextilDepthwiseConvolution &layer, std::vector<const float *> sources, float *target)
+    : m_layer(layer), m_sources(std::move(sources)), m_target(target)
+{
+}
+
+void VextilDepthwiseConvolution::PlaneLoop::run(int planes) const
+{
+    // OpenCV's worker pool hands stripes over with its own synchronisation, which
+    // ThreadSanitizer cannot see in Debian's uninstrumented build: declare the edges it gives.
+    announce(this);
+    cv::parallel_for_(cv::Range(0, planes), *this);
+    await(this);
+}
+
+void VextilDepthwiseConvolution::PlaneLoop::operator()(const cv::Range &planes) const
+{
+    await(this);
+    const VextilDepthwiseConvolution &l = m_layer;
+    const size_t inPlane = size_t(l.m_inHeight) * size_t(l.m_inWidth), outPlane = size_t(l.m_outHeight) * size_t(l.m_outWidth);
+    std::vector<float> padded, result;
+    std::vector<const float *> plane(m_sources.size());
+    for (int p = planes.start; p < planes.end; ++p) {
+        for (size_t i = 0; i < m_sources.size(); ++i)
+            plane[i] = m_sources[i] + size_t(p) * inPlane;
+        l.pad(plane, padded);
+        l.convolvePlane(padded, p % l.m_weights.rows, result, m_target + size_t(p) * outPlane);
+    }
+    announce(this);
 }
 
 void VextilDepthwiseConvolution::pad(const std::vector<const float *> &planes, std::vector<float> &padded) const

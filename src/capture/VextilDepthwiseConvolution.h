@@ -38,6 +38,19 @@ public:
     void forward(cv::InputArrayOfArrays inputs, cv::OutputArrayOfArrays outputs, cv::OutputArrayOfArrays internals) override;
 
 private:
+    // The planes of one forward pass, spread over OpenCV's worker threads.
+    class PlaneLoop : public cv::ParallelLoopBody {
+    public:
+        PlaneLoop(const VextilDepthwiseConvolution &layer, std::vector<const float *> sources, float *target);
+        void run(int planes) const;
+        void operator()(const cv::Range &planes) const override;
+
+    private:
+        const VextilDepthwiseConvolution &m_layer;
+        std::vector<const float *> m_sources;
+        float *m_target;
+    };
+
     static cv::Ptr<cv::dnn::Layer> create(cv::dnn::LayerParams &params);
     static cv::Ptr<cv::dnn::Layer> createInsteadOfConvolution(cv::dnn::LayerParams &params);
     int paddedWidth() const { return m_inWidth + m_padLeft + m_padRight; }
