@@ -115,6 +115,12 @@ void perFrame(const char *name, const Factory &make, const QList<QImage> &frames
     auto detector = make();
     std::vector<double> whole;
     const Timing d = medianPass(frames, [&](const QImage &frame) { detector->featuresInImage(frame); });
+    // The clips open on an empty room, where there is less to do: the frames with a face apart.
+    QList<QImage> withFace;
+    for (const QImage &frame : frames)
+        if (!detector->featuresInImage(frame).isEmpty())
+            withFace.append(frame);
+    const Timing f = medianPass(withFace, [&](const QImage &frame) { detector->featuresInImage(frame); });
     VextilFaceCameraModel model(detector);
     model.resetState();
     QCoreApplication::processEvents();
@@ -127,6 +133,8 @@ void perFrame(const char *name, const Factory &make, const QList<QImage> &frames
     const Timing w = summarise(whole);
     std::printf("%-8s detection mean %6.2f ms p95 %6.2f ms | whole per-frame mean %6.2f ms p95 %6.2f ms\n", name, d.mean,
                 d.p95, w.mean, w.p95);
+    std::printf("%-8s   detection on the %lld frames with a face: mean %6.2f ms p95 %6.2f ms\n", name,
+                static_cast<long long>(withFace.size()), f.mean, f.p95);
 }
 
 // Smile verdicts and face matches of one detector on the labelled photos.

@@ -16,9 +16,10 @@ namespace {
 struct Options {
     std::string neutral, smile, output;
     int width = 720, height = 1280;
-    // The smile begins half a second after the fifth neutral image would be taken, as a user
-    // does who smiles when asked: the capture can end 6 s after the first neutral image.
-    double fps = 15, blankSeconds = 1, neutralSeconds = 4.5, smileSeconds = 3;
+    // The room is empty long enough for a host's tutorial to be dismissed, and the smile begins
+    // when the fifth neutral image has been taken, as for a user who smiles when asked: the
+    // capture can end 6 s after the first neutral image.
+    double fps = 15, blankSeconds = 2, neutralSeconds = 5, smileSeconds = 4;
     double brightness = 0, contrast = 1, noise = 2.5;  // light and sensor of the simulated camera
 };
 
