@@ -1,6 +1,7 @@
 #include "VextilToolkit/VextilBlazeFace.h"
 
 #include "VextilDepthwiseConvolution.h"
+#include "VextilFrameScaler.h"
 
 #include <QFile>
 
@@ -90,7 +91,8 @@ struct VextilBlazeFace::Private {
     QString error;
     std::vector<std::string> outputs{"Identity:0", "Identity_1:0", "Identity_2:0", "Identity_3:0"};
     cv::Mat square = cv::Mat(kInput, kInput, CV_8UC3);  // reused for every frame
-    cv::Mat halfway, scaled, input;
+    VextilFrameScaler scaler{cv::INTER_AREA};
+    cv::Mat scaled, input;
 };
 
 VextilBlazeFace::VextilBlazeFace() : VextilBlazeFace(builtInModel()) {}
@@ -136,14 +138,7 @@ QList<VextilBlazeFace::Face> VextilBlazeFace::detect(const QImage &image, float 
     const double scale = double(kInput) / std::max(frame.width(), frame.height());
     const cv::Size fitted(std::max(1, int(std::lround(frame.width() * scale))), std::max(1, int(std::lround(frame.height() * scale))));
     const cv::Point offset((kInput - fitted.width) / 2, (kInput - fitted.height) / 2);
-    // Averaging every pixel of a large frame costs more than the network; a bilinear pass to
-    // twice the size, then a 2x2 average, keeps most of the anti-aliasing for a tenth of that.
-    if (scale < 0.5) {
-        cv::resize(bgrx, d->halfway, fitted * 2, 0, 0, cv::INTER_LINEAR);
-        cv::resize(d->halfway, d->scaled, fitted, 0, 0, cv::INTER_AREA);
-    } else {
-        cv::resize(bgrx, d->scaled, fitted, 0, 0, cv::INTER_AREA);
-    }
+    d->scaler.scale(bgrx, fitted, d->scaled);
     d->square.setTo(cv::Scalar::all(0));
     cv::cvtColor(d->scaled, d->square(cv::Rect(offset, fitted)), cv::COLOR_BGRA2RGB);
     d->square.convertTo(d->input, CV_32F, 1.0 / 127.5, -1.0);

@@ -1,6 +1,7 @@
 #include "VextilToolkit/VextilFaceExpressionNet.h"
 
 #include "VextilDepthwiseConvolution.h"
+#include "VextilFrameScaler.h"
 
 #include <QFile>
 #include <QHash>
@@ -188,7 +189,8 @@ private:
 struct VextilFaceExpressionNet::Private {
     cv::dnn::Net net;
     QString error;
-    cv::Mat halfway, scaled, crop, blob;
+    VextilFrameScaler scaler{cv::INTER_LINEAR};
+    cv::Mat scaled, crop, blob;
 };
 
 VextilFaceExpressionNet::VextilFaceExpressionNet()
@@ -240,14 +242,7 @@ VextilFaceExpressionNet::Probabilities VextilFaceExpressionNet::classify(const Q
     const double scale = double(kInput) / std::max(box.width(), box.height());
     const cv::Size fitted(std::clamp(int(std::lround(box.width() * scale)), 1, kInput),
                           std::clamp(int(std::lround(box.height() * scale)), 1, kInput));
-    const cv::Mat region = bgrx(cv::Rect(box.x(), box.y(), box.width(), box.height()));
-    if (scale < 0.5) {
-        // Sensor noise aliases into a plain bilinear reduction: twice the size, then 2x2 means.
-        cv::resize(region, d->halfway, fitted * 2, 0, 0, cv::INTER_LINEAR);
-        cv::resize(d->halfway, d->scaled, fitted, 0, 0, cv::INTER_AREA);
-    } else {
-        cv::resize(region, d->scaled, fitted, 0, 0, cv::INTER_LINEAR);
-    }
+    d->scaler.scale(bgrx(cv::Rect(box.x(), box.y(), box.width(), box.height())), fitted, d->scaled);
     d->crop.create(kInput, kInput, CV_8UC3);
     d->crop.setTo(cv::Scalar::all(0));
     cv::cvtColor(d->scaled, d->crop(cv::Rect((kInput - fitted.width) / 2, (kInput - fitted.height) / 2, fitted.width, fitted.height)),
