@@ -10,20 +10,54 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <tuple>
+#include <vector>
+
 namespace {
 
-TEST(ColorScheme, DefaultsAreThePaletteAndOnlyTextColourDependsOnState)
+TEST(ColorScheme, EveryDefaultIsThePalettesColourForEveryStateButTextColour)
 {
     VextilDefaultColorScheme scheme;
-    EXPECT_EQ(scheme.buttonBackgroundColorForState(1).name(), "#3b579c");
-    EXPECT_EQ(scheme.popUpButtonBackgroundColorForState(1).name(), "#6657f2");
-    EXPECT_EQ(scheme.cancelButtonTintColorForState(1).name(), "#616161");
+    using Getter = std::function<QColor(int state)>;
+    const QString white = QStringLiteral("#ffffff"), black = QStringLiteral("#000000");
+    const QString deepBlue = QStringLiteral("#3b579c"), violet = QStringLiteral("#6657f2");
+    const QString darkGrey = QStringLiteral("#616161");
+    // Every colour getter of the scheme with the colour it must answer; plain getters ignore the state.
+    const std::vector<std::tuple<const char *, Getter, QString>> table{
+        {"backgroundColor", [&](int) { return scheme.backgroundColor(); }, white},
+        {"iconColorForState", [&](int s) { return scheme.iconColorForState(s); }, violet},
+        {"buttonBackgroundColorForState", [&](int s) { return scheme.buttonBackgroundColorForState(s); }, deepBlue},
+        {"buttonTintColorForState", [&](int s) { return scheme.buttonTintColorForState(s); }, white},
+        {"cancelButtonBackgroundColorForState", [&](int s) { return scheme.cancelButtonBackgroundColorForState(s); }, white},
+        {"cancelButtonTintColorForState", [&](int s) { return scheme.cancelButtonTintColorForState(s); }, darkGrey},
+        {"navigationTitleColor", [&](int) { return scheme.navigationTitleColor(); }, deepBlue},
+        {"backButtonColor", [&](int) { return scheme.backButtonColor(); }, deepBlue},
+        {"topSplitBackgroundColor", [&](int) { return scheme.topSplitBackgroundColor(); }, white},
+        {"bottomSplitBackgroundColor", [&](int) { return scheme.bottomSplitBackgroundColor(); }, white},
+        {"titleColor", [&](int) { return scheme.titleColor(); }, violet},
+        {"subtitleColor", [&](int) { return scheme.subtitleColor(); }, darkGrey},
+        {"topSplitIconColor", [&](int) { return scheme.topSplitIconColor(); }, violet},
+        {"bottomSplitIconColor", [&](int) { return scheme.bottomSplitIconColor(); }, violet},
+        {"popUpBackgroundColor", [&](int) { return scheme.popUpBackgroundColor(); }, white},
+        {"popUpTextColor", [&](int) { return scheme.popUpTextColor(); }, black},
+        {"popUpButtonTintColorForState", [&](int s) { return scheme.popUpButtonTintColorForState(s); }, white},
+        {"popUpButtonBackgroundColorForState", [&](int s) { return scheme.popUpButtonBackgroundColorForState(s); }, violet},
+        {"popUpIconColorForState", [&](int s) { return scheme.popUpIconColorForState(s); }, black},
+        {"confirmQuestionTextColor", [&](int) { return scheme.confirmQuestionTextColor(); }, deepBlue},
+    };
+    EXPECT_EQ(table.size() + 2, 22u) << "with textColorForState and isBackgroundSplited, the whole scheme";
+    for (const auto &[name, getter, expected] : table)
+        for (int state : {0, 1, 2, 4}) {
+            const QColor colour = getter(state);
+            EXPECT_EQ(colour.name(), expected) << name << " state " << state;
+            EXPECT_EQ(colour.alphaF(), 1.0f) << name << " state " << state;
+        }
+
     EXPECT_EQ(scheme.textColorForState(0).name(), "#ababab");
-    EXPECT_EQ(scheme.textColorForState(1), QColor(Qt::black));
+    EXPECT_EQ(scheme.textColorForState(1).name(), black);
     EXPECT_EQ(scheme.textColorForState(2).name(), "#1cd482");
     EXPECT_FALSE(scheme.textColorForState(4).isValid());
-    for (int state : {0, 1, 2, 4})
-        EXPECT_EQ(scheme.popUpIconColorForState(state), QColor(Qt::black));
     EXPECT_FALSE(scheme.isBackgroundSplited());
 }
 
