@@ -2,16 +2,16 @@
 // 720x1280 frames on one thread; smile precision and recall on the labelled photos; and the
 // capture over the sample clip in simulated time.
 
-#include "ClipRun.h"
-#include "LabelledPhotos.h"
-
-#include <VextilToolkit/VextilBlazeFace.h>
-#include <VextilToolkit/VextilCascadeFaceDetector.h>
-#include <VextilToolkit/VextilFaceExpressionNet.h>
-#include <VextilToolkit/VextilLearnedFaceDetector.h>
 #include <VextilToolkit/VextilFaceCameraModel.h>
 #include <VextilToolkit/VextilImageBuffer.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
+
+#include "ClipRun.h"
+#include "detection/VextilBlazeFace.h"
+#include "detection/VextilCascadeFaceDetector.h"
+#include "detection/VextilFaceExpressionNet.h"
+#include "detection/VextilLearnedFaceDetector.h"
+#include "LabelledPhotos.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -4,11 +4,11 @@
 //
 //   vextil_capture_spine [--clip FILE] [--out DIR]
 
-#include "SpineReporter.h"
-
 #include <VextilToolkit/VextilFaceCameraModel.h>
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
+
+#include "SpineReporter.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -1,19 +1,47 @@
 #include "UnattendedDriver.h"
 
 #include <VextilToolkit/VextilFace.h>
-#include <VextilToolkit/VextilTutorialFace.h>
 
+#include <QAbstractButton>
 #include <QCoreApplication>
 #include <QDir>
-
-#include <sys/resource.h>
+#include <QLabel>
 
 #include <algorithm>
 #include <cstdio>
+#include <sys/resource.h>
 
 namespace {
+
 constexpr int kGiveUpMs = 90000;
+
+// The driver sees the screens as a user does, through what they show: buttons by their titles,
+// parts by their accessible names. The toolkit's view classes are its own business.
+QAbstractButton *shownButton(QWidget *screen, const QString &title)
+{
+    for (QAbstractButton *button : screen->findChildren<QAbstractButton *>())
+        if (button->isVisible() && button->text() == title)
+            return button;
+    return nullptr;
 }
+
+QWidget *shownPart(QWidget *screen, const QString &accessibleName)
+{
+    for (QWidget *part : screen->findChildren<QWidget *>())
+        if (part->isVisible() && part->accessibleName() == accessibleName)
+            return part;
+    return nullptr;
+}
+
+bool showsText(QWidget *screen, const QString &text)
+{
+    for (QLabel *label : screen->findChildren<QLabel *>())
+        if (label->isVisible() && label->text() == text)
+            return true;
+    return false;
+}
+
+}  // namespace
 
 UnattendedDriver::UnattendedDriver(DemoWindow *window, QString screenshots, QObject *parent)
     : QObject(parent), m_window(window), m_screenshots(std::move(screenshots))
@@ -71,27 +99,30 @@ void UnattendedDriver::poll()
         return;
     const auto once = [this](const QString &step) { return !std::exchange(m_done, m_done + QSet<QString>{step}).contains(step); };
     // The tutorial: looked at, then answered.
-    if (auto *tutorial = camera->findChild<VextilTutorialFace *>(); tutorial && tutorial->isVisible() && m_sinceStart.elapsed() > 1200) {
-        if (once(QStringLiteral("tutorial"))) {
+    if (QAbstractButton *gotIt = shownButton(camera, QStringLiteral("OK, I got it"))) {
+        if (m_sinceStart.elapsed() > 1200 && once(QStringLiteral("tutorial"))) {
             shoot(QStringLiteral("1-tutorial"), camera);
-            Q_EMIT tutorial->nextButton()->pressed();
+            Q_EMIT gotIt->pressed();
         }
         return;
     }
-    if (!camera->faceProgressBoxView()->faceProgressBar()->isHidden() &&
-        camera->faceProgressBoxView()->faceProgressBar()->strokeEnd() >= 0.4 && once(QStringLiteral("collecting")))
+    if (QWidget *progress = shownPart(camera, QStringLiteral("Progress"));
+        progress && progress->property("strokeEnd").toDouble() >= 0.4 && once(QStringLiteral("collecting")))
         shoot(QStringLiteral("2-camera-collecting"), camera);
-    if (!camera->faceCameraView()->popupView()->isHidden() && once(QStringLiteral("smile")))
+    if (showsText(camera, QStringLiteral("SMILE!")) && once(QStringLiteral("smile")))
         shoot(QStringLiteral("3-camera-smile"), camera);
 
     VextilConfirmController *review = face->confirmController();
-    if (review && review->isVisible() && review->confirmView()->animationImages().size() == 7 && once(QStringLiteral("review"))) {
-        m_stats = camera->captureQueue()->stats();
+    if (review && review->isVisible() && once(QStringLiteral("review"))) {
+        m_stats = camera->captureStats();
         m_secondsToCompletion = camera->secondsToCompletion();
         // Let the user look for a moment, then accept.
-        QTimer::singleShot(1200, this, [this, review] {
+        QTimer::singleShot(1200, this, [this, review = QPointer<VextilConfirmController>(review)] {
+            if (!review)
+                return;
             shoot(QStringLiteral("4-review"), review);
-            Q_EMIT review->confirmView()->acceptButton()->pressed();
+            if (QAbstractButton *send = shownButton(review, QStringLiteral("Yes, send")))
+                Q_EMIT send->pressed();
         });
     }
 }

@@ -1,13 +1,13 @@
 #pragma once
 
+#include <VextilToolkit/VextilCaptureStats.h>
+
 #include "DemoWindow.h"
 
 #include <QElapsedTimer>
 #include <QObject>
 #include <QSet>
 #include <QTimer>
-
-#include <VextilToolkit/VextilCaptureQueue.h>
 
 #include <optional>
 

@@ -3,13 +3,13 @@
 //                    [--unattended --screenshots DIR]
 // The upload goes where VEXTIL_UPLOAD_HOST (and VEXTIL_UPLOAD_CA_FILE) point.
 
-#include "DemoWindow.h"
-#include "UnattendedDriver.h"
-
 #include <VextilToolkit/VextilDefaultColorScheme.h>
 #include <VextilToolkit/VextilFace.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
 #include <VextilToolkit/VextilVideoFileSource.h>
+
+#include "DemoWindow.h"
+#include "UnattendedDriver.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -1,9 +1,10 @@
-#include "VextilToolkit/VextilFaceCameraModel.h"
+#include <VextilToolkit/VextilFaceCameraModel.h>
 
-#include "VextilToolkit/VextilRepository.h"
-#include "ui/VextilMainQueue.h"
+#include <VextilToolkit/VextilRepository.h>
 
-#include <QCoreApplication>
+#include "core/VextilLocked.h"
+#include "core/VextilMainQueue.h"
+#include "core/VextilTranslation.h"
 
 #include <cmath>
 #include <limits>
@@ -17,11 +18,6 @@ constexpr int kSmileImages = 2;
 // A face must fill more than this much of the view's width, and less than the other.
 constexpr double kNearestRatio = 0.83;
 constexpr double kFarthestRatio = 0.4;
-
-QString translated(const char *english)
-{
-    return QCoreApplication::translate("VextilToolkit", english);
-}
 
 }  // namespace
 
@@ -44,11 +40,9 @@ VextilFaceCameraModel::VextilFaceCameraModel(std::shared_ptr<VextilFaceDetector>
 
 VextilFaceCameraModel::~VextilFaceCameraModel() = default;
 
-void VextilFaceCameraModel::setViewSize(QSizeF size)
-{
-    QMutexLocker lock(&m_mutex);
-    m_viewSize = size;
-}
+void VextilFaceCameraModel::setViewSize(QSizeF size) { writeLocked(m_mutex, m_viewSize, size); }
+
+void VextilFaceCameraModel::setStateQueue(StateQueue queue) { writeLocked(m_mutex, m_stateQueue, std::move(queue)); }
 
 bool VextilFaceCameraModel::isFaceNearEnough(const VextilFaceFeature &face, const QImage &image) const
 {
@@ -237,7 +231,8 @@ void VextilFaceCameraModel::setUItoState(VextilFaceCaptureState state)
 
 void VextilFaceCameraModel::resetState()
 {
-    VextilMainQueue::dispatchAsync(this, [this] {
+    // The reset runs where the frames are analysed, so that it never interleaves with one.
+    runOnStateQueue([this] {
         {
             QMutexLocker lock(&m_mutex);
             m_facesArray = std::make_shared<QList<QImage>>();
@@ -245,6 +240,14 @@ void VextilFaceCameraModel::resetState()
         }
         setUItoState(VextilFaceCaptureStateLookingForFace);
     });
+}
+
+void VextilFaceCameraModel::runOnStateQueue(std::function<void()> work)
+{
+    if (const StateQueue queue = readLocked(m_mutex, m_stateQueue))
+        queue(std::move(work));
+    else
+        VextilMainQueue::dispatchAsync(this, std::move(work));
 }
 
 void VextilFaceCameraModel::clearData()
@@ -257,29 +260,15 @@ QString VextilFaceCameraModel::getFirstMessageText() const
     return translated("Looking for face");
 }
 
-VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesArray() const
-{
-    QMutexLocker lock(&m_mutex);
-    return m_facesArray;
-}
-
-void VextilFaceCameraModel::setFacesArray(ImageArray array)
-{
-    QMutexLocker lock(&m_mutex);
-    m_facesArray = std::move(array);
-}
+VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesArray() const { return readLocked(m_mutex, m_facesArray); }
+void VextilFaceCameraModel::setFacesArray(ImageArray array) { writeLocked(m_mutex, m_facesArray, std::move(array)); }
 
 VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesSmileArray() const
 {
-    QMutexLocker lock(&m_mutex);
-    return m_facesSmileArray;
+    return readLocked(m_mutex, m_facesSmileArray);
 }
 
-void VextilFaceCameraModel::setFacesSmileArray(ImageArray array)
-{
-    QMutexLocker lock(&m_mutex);
-    m_facesSmileArray = std::move(array);
-}
+void VextilFaceCameraModel::setFacesSmileArray(ImageArray array) { writeLocked(m_mutex, m_facesSmileArray, std::move(array)); }
 
 std::optional<VextilTimePoint> VextilFaceCameraModel::lastFrameDate() const
 {
@@ -296,11 +285,7 @@ void VextilFaceCameraModel::setLastFrameDate(std::optional<VextilTimePoint> date
 
 std::shared_ptr<VextilFaceDetector> VextilFaceCameraModel::faceDetector() const { return m_faceDetector; }
 
-QSizeF VextilFaceCameraModel::viewSize() const
-{
-    QMutexLocker lock(&m_mutex);
-    return m_viewSize;
-}
+QSizeF VextilFaceCameraModel::viewSize() const { return readLocked(m_mutex, m_viewSize); }
 
 bool VextilFaceCameraModel::isProcessing() const { return m_isProcessing; }
 void VextilFaceCameraModel::setIsProcessing(bool processing) { m_isProcessing = processing; }
@@ -314,17 +299,8 @@ VextilFaceCaptureState VextilFaceCameraModel::currentState() const
 
 void VextilFaceCameraModel::setCurrentState(VextilFaceCaptureState state) { m_currentState = state; }
 
-QObject *VextilFaceCameraModel::delegate() const
-{
-    QMutexLocker lock(&m_mutex);
-    return m_delegate.data();
-}
-
-void VextilFaceCameraModel::setDelegate(QObject *delegate)
-{
-    QMutexLocker lock(&m_mutex);
-    m_delegate = delegate;
-}
+QObject *VextilFaceCameraModel::delegate() const { return readLocked(m_mutex, m_delegate).data(); }
+void VextilFaceCameraModel::setDelegate(QObject *delegate) { writeLocked(m_mutex, m_delegate, delegate); }
 
 VextilFaceCameraModelDelegate *VextilFaceCameraModel::currentDelegate() const
 {

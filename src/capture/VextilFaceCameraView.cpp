@@ -1,7 +1,7 @@
-#include "VextilToolkit/VextilFaceCameraView.h"
+#include "capture/VextilFaceCameraView.h"
 
+#include "core/VextilTranslation.h"
 #include "ui/VextilFrame.h"
-#include "ui/VextilMainQueue.h"
 
 #include <QCoreApplication>
 #include <QPainter>
@@ -59,7 +59,7 @@ void VextilFaceCameraView::setupViews()
     QPalette palette = m_popupLabel->palette();
     palette.setColor(QPalette::WindowText, popupTextColor());
     m_popupLabel->setPalette(palette);
-    m_popupLabel->setText(QCoreApplication::translate("VextilToolkit", "SMILE!"));
+    m_popupLabel->setText(translated("SMILE!"));
     m_popupLabel->hide();
 }
 
@@ -80,16 +80,12 @@ void VextilFaceCameraView::setupConstraints()
 
 void VextilFaceCameraView::changeMaskState()
 {
-    VextilMainQueue::dispatchAsync(this, [this] {
-        m_greenMask->setHidden(m_whiteMask->isHidden());
-        m_whiteMask->setHidden(!m_whiteMask->isHidden());
-    });
+    m_greenMask->setHidden(m_whiteMask->isHidden());
+    m_whiteMask->setHidden(!m_whiteMask->isHidden());
 }
 
 void VextilFaceCameraView::isPopupHidden(bool hidden)
 {
-    VextilMainQueue::dispatchAsync(this, [this, hidden] {
-        m_popup->setHidden(hidden);
-        m_popupLabel->setHidden(hidden);
-    });
+    m_popup->setHidden(hidden);
+    m_popupLabel->setHidden(hidden);
 }

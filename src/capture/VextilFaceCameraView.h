@@ -1,15 +1,15 @@
 #pragma once
 
-#include <VextilToolkit/VextilImageView.h>
-#include <VextilToolkit/VextilLabel.h>
-#include <VextilToolkit/VextilToolkitExport.h>
-#include <VextilToolkit/VextilVideoPreview.h>
+#include "capture/VextilVideoPreview.h"
+#include "ui/VextilImageView.h"
+#include "ui/VextilLabel.h"
 
 #include <QWidget>
 
 /// The camera screen's picture area: the live camera picture under a face frame in white (no
 /// steady face) or green (face being collected), the logo, and a "SMILE!" popup in the middle.
-class VEXTIL_EXPORT VextilFaceCameraView : public QWidget {
+/// GUI thread only.
+class VextilFaceCameraView : public QWidget {
     Q_OBJECT
 public:
     explicit VextilFaceCameraView(QWidget *parent = nullptr);
@@ -22,9 +22,9 @@ public:
     /// The live picture; the camera hands it frames.
     VextilVideoPreview *videoPreviewLayer() const { return m_preview; }
 
-    /// Swaps the white and the green frame; any thread, applied on the GUI thread in call order.
+    /// Swaps the white and the green frame.
     void changeMaskState();
-    /// Hides or shows the "SMILE!" popup; any thread, applied on the GUI thread in call order.
+    /// Hides or shows the "SMILE!" popup.
     void isPopupHidden(bool hidden);
 
     /// Fixed colours of the popup.

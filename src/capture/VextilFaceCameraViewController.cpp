@@ -1,9 +1,15 @@
-#include "VextilToolkit/VextilFaceCameraViewController.h"
+#include <VextilToolkit/VextilFaceCameraViewController.h>
 
-#include "VextilToolkit/VextilCameraAuthorization.h"
-#include "VextilToolkit/VextilTutorialFace.h"
+#include <VextilToolkit/VextilCameraAuthorization.h>
+
+#include "camera/VextilCaptureQueue.h"
+#include "capture/VextilFaceCameraView.h"
+#include "capture/VextilFaceProgressBoxView.h"
+#include "core/VextilMainQueue.h"
+#include "core/VextilTranslation.h"
+#include "tutorial/VextilTutorialFace.h"
+#include "ui/NavigationBarView.h"
 #include "ui/VextilFrame.h"
-#include "ui/VextilMainQueue.h"
 
 #include <QCoreApplication>
 #include <QGraphicsOpacityEffect>
@@ -59,6 +65,8 @@ void VextilFaceCameraViewController::viewDidLoad()
     setupView();
     setupConstraints();
     setupCamera();
+    // The state machine runs on the capture queue, resets included.
+    m_model->setStateQueue([queue = m_captureQueue.get()](std::function<void()> work) { queue->dispatch(std::move(work)); });
     if (m_presentTutorial)
         presentTutorialPopUp();
 }
@@ -79,7 +87,7 @@ void VextilFaceCameraViewController::viewDidAppear(bool)
 
 void VextilFaceCameraViewController::setupView()
 {
-    m_navigationView = new NavigationBarView(QCoreApplication::translate("VextilToolkit", "Register selfie"), true, this);
+    m_navigationView = new NavigationBarView(translated("Register selfie"), true, this);
     connect(m_navigationView->helpButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::presentTutorialPopUp);
     connect(m_navigationView->backButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::didCancel);
     m_faceCameraView = new VextilFaceCameraView(this);
@@ -115,11 +123,10 @@ void VextilFaceCameraViewController::setupCamera()
         m_source = VextilFrameSource::createDefault();
     m_captureQueue = std::make_unique<VextilCaptureQueue>([this](const QImage &frame) { captureOutput(frame); });
     m_captureQueue->start();
-    // The preview shows every frame; the mailbox keeps only the newest for analysis.
-    VextilVideoPreview *preview = m_faceCameraView->videoPreviewLayer();
+    // The preview and the analysis each take the newest frame; late ones are dropped.
     VextilCaptureQueue *queue = m_captureQueue.get();
-    m_source->setFrameHandler([preview, queue](const QImage &frame) {
-        preview->setFrame(frame);
+    m_source->setFrameHandler([this, queue](const QImage &frame) {
+        showFrame(frame);
         queue->post(frame);
     });
 }
@@ -136,11 +143,60 @@ void VextilFaceCameraViewController::captureOutput(const QImage &frame)
         m_model->processFace(frame);
 }
 
+void VextilFaceCameraViewController::showFrame(const QImage &frame)
+{
+    {
+        std::lock_guard lock(m_previewMutex);
+        m_previewFrame = frame;
+        if (std::exchange(m_previewQueued, true))
+            return;  // the hop already queued shows this newer frame
+    }
+    onGuiThread([this] {
+        QImage newest;
+        {
+            std::lock_guard lock(m_previewMutex);
+            newest = std::exchange(m_previewFrame, QImage());
+            m_previewQueued = false;
+        }
+        m_faceCameraView->videoPreviewLayer()->setFrame(newest);
+    });
+}
+
+void VextilFaceCameraViewController::onGuiThread(std::function<void()> work)
+{
+    VextilMainQueue::dispatchAsync(this, std::move(work));
+}
+
+void VextilFaceCameraViewController::updateMessageText(const QString &text)
+{
+    onGuiThread([this, text] { m_faceProgressBoxView->updateInstructionsLabelWithText(text); });
+}
+
 void VextilFaceCameraViewController::updateProgressView(double progress)
 {
     if (progress > 0 && m_firstNeutralNs == 0)
         m_firstNeutralNs = nowNs();
-    m_faceProgressBoxView->updateProgress(progress);
+    onGuiThread([this, progress] { m_faceProgressBoxView->updateProgress(progress); });
+}
+
+void VextilFaceCameraViewController::isProgressBarHidden(bool hidden)
+{
+    onGuiThread([this, hidden] { m_faceProgressBoxView->isProgressBarHidden(hidden); });
+}
+
+void VextilFaceCameraViewController::changeMaskState()
+{
+    onGuiThread([this] { m_faceCameraView->changeMaskState(); });
+}
+
+void VextilFaceCameraViewController::isPopupViewHidden(bool hidden)
+{
+    onGuiThread([this, hidden] { m_faceCameraView->isPopupHidden(hidden); });
+}
+
+VextilCaptureStats VextilFaceCameraViewController::captureStats() const
+{
+    return m_captureQueue ? m_captureQueue->stats() : VextilCaptureStats();
 }
 
 std::optional<double> VextilFaceCameraViewController::secondsToCompletion() const

@@ -1,4 +1,4 @@
-#include "VextilToolkit/VextilFaceProgressBar.h"
+#include "capture/VextilFaceProgressBar.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,14 +1,13 @@
 #pragma once
 
-#include <VextilToolkit/VextilToolkitExport.h>
-
 #include <QPointer>
 #include <QVariantAnimation>
 #include <QWidget>
 
 /// A thin bar that fills from left to right as neutral face images are collected. GUI thread.
-class VEXTIL_EXPORT VextilFaceProgressBar : public QWidget {
+class VextilFaceProgressBar : public QWidget {
     Q_OBJECT
+    Q_PROPERTY(double strokeEnd READ strokeEnd)
 public:
     explicit VextilFaceProgressBar(QWidget *parent = nullptr);
 

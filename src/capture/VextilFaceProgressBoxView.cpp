@@ -1,7 +1,6 @@
-#include "VextilToolkit/VextilFaceProgressBoxView.h"
+#include "capture/VextilFaceProgressBoxView.h"
 
 #include "ui/VextilFrame.h"
-#include "ui/VextilMainQueue.h"
 
 VextilFaceProgressBoxView::VextilFaceProgressBoxView(QWidget *parent) : QWidget(parent), m_defaultColor(Qt::white)
 {
@@ -34,15 +33,15 @@ void VextilFaceProgressBoxView::setupConstraints()
 
 void VextilFaceProgressBoxView::updateProgress(double progress)
 {
-    VextilMainQueue::dispatchAsync(this, [this, progress] { m_bar->updateProgress(progress); });
+    m_bar->updateProgress(progress);
 }
 
 void VextilFaceProgressBoxView::updateInstructionsLabelWithText(const QString &text)
 {
-    VextilMainQueue::dispatchAsync(this, [this, text] { m_label->setText(text); });
+    m_label->setText(text);
 }
 
 void VextilFaceProgressBoxView::isProgressBarHidden(bool hidden)
 {
-    VextilMainQueue::dispatchAsync(this, [this, hidden] { m_bar->setHidden(hidden); });
+    m_bar->setHidden(hidden);
 }

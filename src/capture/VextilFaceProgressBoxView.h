@@ -1,13 +1,12 @@
 #pragma once
 
-#include <VextilToolkit/VextilFaceProgressBar.h>
-#include <VextilToolkit/VextilLabel.h>
-#include <VextilToolkit/VextilToolkitExport.h>
+#include "capture/VextilFaceProgressBar.h"
+#include "ui/VextilLabel.h"
 
 #include <QWidget>
 
-/// The camera screen's instructions line above the progress bar.
-class VEXTIL_EXPORT VextilFaceProgressBoxView : public QWidget {
+/// The camera screen's instructions line above the progress bar. GUI thread only.
+class VextilFaceProgressBoxView : public QWidget {
     Q_OBJECT
 public:
     explicit VextilFaceProgressBoxView(QWidget *parent = nullptr);
@@ -17,11 +16,11 @@ public:
     QColor defaultColor() const { return m_defaultColor; }
     VextilFaceProgressBar *faceProgressBar() const { return m_bar; }
 
-    /// Animates the bar to a fraction; any thread, applied on the GUI thread in call order.
+    /// Animates the bar to a fraction.
     void updateProgress(double progress);
-    /// Shows a new instruction (announced to assistive technology); any thread, in call order.
+    /// Shows a new instruction (announced to assistive technology).
     void updateInstructionsLabelWithText(const QString &text);
-    /// Hides or shows the bar (the label stays); any thread, in call order.
+    /// Hides or shows the bar (the label stays).
     void isProgressBarHidden(bool hidden);
 
 protected:

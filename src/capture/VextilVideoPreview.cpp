@@ -1,4 +1,4 @@
-#include "VextilToolkit/VextilVideoPreview.h"
+#include "capture/VextilVideoPreview.h"
 
 #include <QPainter>
 
@@ -9,24 +9,15 @@ VextilVideoPreview::VextilVideoPreview(QWidget *parent) : QWidget(parent)
 
 void VextilVideoPreview::setFrame(const QImage &frame)
 {
-    {
-        std::lock_guard lock(m_mutex);
-        m_frame = frame;
-    }
-    QMetaObject::invokeMethod(this, qOverload<>(&QWidget::update), Qt::QueuedConnection);
-}
-
-QImage VextilVideoPreview::frame() const
-{
-    std::lock_guard lock(m_mutex);
-    return m_frame;
+    m_frame = frame;
+    update();
 }
 
 void VextilVideoPreview::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.fillRect(rect(), Qt::black);
-    const QImage shown = frame();
+    const QImage &shown = m_frame;
     if (shown.isNull())
         return;
     const QSizeF filled = QSizeF(shown.size()).scaled(size(), Qt::KeepAspectRatioByExpanding);

@@ -1,27 +1,23 @@
 #pragma once
 
-#include <VextilToolkit/VextilToolkitExport.h>
-
 #include <QImage>
 #include <QWidget>
 
-#include <mutex>
-
 /// The live camera picture: the newest frame, scaled to fill the view (cropping its edges).
-class VEXTIL_EXPORT VextilVideoPreview : public QWidget {
+/// GUI thread only.
+class VextilVideoPreview : public QWidget {
     Q_OBJECT
 public:
     explicit VextilVideoPreview(QWidget *parent = nullptr);
 
-    /// Shows a frame; any thread. Only the newest frame is kept.
+    /// Shows a frame in place of the last one.
     void setFrame(const QImage &frame);
     /// The frame shown (or about to be).
-    QImage frame() const;
+    QImage frame() const { return m_frame; }
 
 protected:
     void paintEvent(QPaintEvent *) override;
 
 private:
-    mutable std::mutex m_mutex;  // the capture thread hands frames over
     QImage m_frame;
 };

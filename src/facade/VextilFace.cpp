@@ -1,6 +1,6 @@
-#include "VextilToolkit/VextilFace.h"
+#include <VextilToolkit/VextilFace.h>
 
-#include "ui/VextilMainQueue.h"
+#include "core/VextilMainQueue.h"
 
 #include <QApplication>
 #include <QThread>
@@ -56,7 +56,7 @@ void VextilFace::presentCameraView()
     m_faceCameraViewController->setDelegate(this);
     if (!m_rootController) {
         // Nothing to present from: the flow cannot start.
-        dismissCamerControlerWithResult(false, VextilError::createVextilSDKErrorWithCode(421));
+        dismissCamerControlerWithResult(false, VextilError::createVextilSDKErrorWithCode(VextilErrorCodeCaptureFailed));
         return;
     }
     VextilBaseViewController::present(m_rootController, m_faceCameraViewController, true);
@@ -67,7 +67,7 @@ void VextilFace::didFinishedCaptureWithSuccess(bool success)
     if (success)
         presentConfirmView();
     else
-        dismissCamerControlerWithResult(false, VextilError::createVextilSDKErrorWithCode(421));
+        dismissCamerControlerWithResult(false, VextilError::createVextilSDKErrorWithCode(VextilErrorCodeCaptureFailed));
 }
 
 void VextilFace::presentConfirmView()

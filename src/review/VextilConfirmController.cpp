@@ -1,5 +1,7 @@
-#include "VextilToolkit/VextilConfirmController.h"
+#include <VextilToolkit/VextilConfirmController.h>
 
+#include "review/VextilConfirmView.h"
+#include "ui/NavigationBarView.h"
 #include "ui/VextilFrame.h"
 #include "ui/VextilSchemeAccess.h"
 
@@ -77,4 +79,11 @@ void VextilConfirmController::dismissController(bool success)
         if (auto *delegate = dynamic_cast<VextilConfirmControllerDelegate *>(self->m_delegate.data()))
             delegate->didFinishedConfirmWithSuccess(success);
     });
+}
+
+void VextilConfirmController::setDocumentImage(const QImage &image) { m_confirmView->setDocumentImage(image); }
+
+void VextilConfirmController::setFaceImages(std::shared_ptr<QList<QImage>> images)
+{
+    m_confirmView->setFaceImages(std::move(images));
 }

@@ -1,12 +1,10 @@
-#include "VextilToolkit/VextilConfirmModel.h"
+#include <VextilToolkit/VextilConfirmModel.h>
 
-#include "VextilToolkit/VextilRepository.h"
+#include <VextilToolkit/VextilRepository.h>
+
+#include "core/VextilTranslation.h"
 
 #include <QCoreApplication>
-
-namespace {
-QString translated(const char *english) { return QCoreApplication::translate("VextilToolkit", english); }
-}
 
 QString VextilConfirmModel::getMessageText() const
 {

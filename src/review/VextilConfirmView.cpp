@@ -1,7 +1,7 @@
-#include "VextilToolkit/VextilConfirmView.h"
+#include "review/VextilConfirmView.h"
 
+#include "core/VextilTranslation.h"
 #include "ui/VextilFrame.h"
-#include "ui/VextilMainQueue.h"
 #include "ui/VextilSchemeAccess.h"
 
 #include <QCoreApplication>
@@ -53,7 +53,7 @@ VextilConfirmView::VextilConfirmView(QWidget *parent) : QWidget(parent)
 void VextilConfirmView::setupView()
 {
     m_imageView = new PhotoView(this, this);
-    m_imageView->setAccessibleName(QCoreApplication::translate("VextilToolkit", "Captured photo"));
+    m_imageView->setAccessibleName(translated("Captured photo"));
     m_messageLabel = new QLabel(this);
     QFont font = m_messageLabel->font();
     font.setPixelSize(18);
@@ -66,7 +66,7 @@ void VextilConfirmView::setupView()
     font.setPixelSize(16);
     font.setWeight(QFont::Bold);
     m_acceptButton->setFont(font);
-    setAcceptButtonText(QCoreApplication::translate("VextilToolkit", "Yes, send"));
+    setAcceptButtonText(translated("Yes, send"));
 
     m_cancelButton = new VextilButton(this);
     m_cancelButton->setCornerRadius(5);
@@ -74,7 +74,7 @@ void VextilConfirmView::setupView()
     m_cancelButton->setFont(font);
     m_cancelButton->setImageName(QStringLiteral("reload_icon"));
     m_cancelButton->setTintColor(QColor());  // the icon keeps its own colours
-    setCancelButtonText(QCoreApplication::translate("VextilToolkit", "No, take another photo."));
+    setCancelButtonText(translated("No, take another photo."));
 }
 
 void VextilConfirmView::setupConstraints()
@@ -157,16 +157,14 @@ void VextilConfirmView::setDocumentImage(const QImage &image)
 
 void VextilConfirmView::setFaceImages(std::shared_ptr<QList<QImage>> images)
 {
-    VextilMainQueue::dispatchAsync(this, [this, images] {
-        m_animation = images ? *images : QList<QImage>();
-        m_frame = 0;
-        // The whole list plays once a second, whatever its length, and repeats without end.
-        if (!m_animation.isEmpty())
-            m_timer.start(qMax(1, 1000 / int(m_animation.size())));
-        else
-            m_timer.stop();
-        m_imageView->update();
-    });
+    m_animation = images ? *images : QList<QImage>();
+    m_frame = 0;
+    // The whole list plays once a second, whatever its length, and repeats without end.
+    if (!m_animation.isEmpty())
+        m_timer.start(qMax(1, 1000 / int(m_animation.size())));
+    else
+        m_timer.stop();
+    m_imageView->update();
 }
 
 QImage VextilConfirmView::currentImage() const

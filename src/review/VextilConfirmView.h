@@ -1,7 +1,6 @@
 #pragma once
 
-#include <VextilToolkit/VextilButton.h>
-#include <VextilToolkit/VextilToolkitExport.h>
+#include "ui/VextilButton.h"
 
 #include <QLabel>
 #include <QTimer>
@@ -12,7 +11,7 @@
 
 /// The review screen's content: the photo (or the face images looping once a second) in a
 /// rounded border, a question, and the accept and retake buttons. Holds no logic.
-class VEXTIL_EXPORT VextilConfirmView : public QWidget {
+class VextilConfirmView : public QWidget {
     Q_OBJECT
 public:
     explicit VextilConfirmView(QWidget *parent = nullptr);
@@ -30,8 +29,7 @@ public:
     void setCancelButtonText(const QString &text);
     /// Shows a still image at once.
     void setDocumentImage(const QImage &image);
-    /// Plays the images in a loop, the whole list once a second; any thread, applied on the
-    /// GUI thread.
+    /// Plays the images in a loop, the whole list once a second.
     void setFaceImages(std::shared_ptr<QList<QImage>> images);
     /// The image shown now.
     QImage currentImage() const;

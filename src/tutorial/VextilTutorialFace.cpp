@@ -1,5 +1,6 @@
-#include "VextilToolkit/VextilTutorialFace.h"
+#include "tutorial/VextilTutorialFace.h"
 
+#include "core/VextilTranslation.h"
 #include "ui/VextilSchemeAccess.h"
 
 #include <QCoreApplication>
@@ -25,7 +26,7 @@ void VextilTutorialFace::setupViews()
                                  bottomRightImageView()};
     const QStringList texts = tipTexts();
     for (int i = 0; i < 4; ++i) {
-        const QString text = QCoreApplication::translate("VextilToolkit", texts[i].toUtf8().constData());
+        const QString text = translated(texts[i].toUtf8().constData());
         labels[i]->setText(text);
         labels[i]->setAccessibleName(text);
         icons[i]->setImageName(images[i]);

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <VextilToolkit/VextilTutorialView.h>
+#include "tutorial/VextilTutorialView.h"
 
 /// The selfie tutorial: light, no glasses or hat, smile, automatic capture.
-class VEXTIL_EXPORT VextilTutorialFace : public VextilTutorialView {
+class VextilTutorialFace : public VextilTutorialView {
     Q_OBJECT
 public:
     explicit VextilTutorialFace(QWidget *parent = nullptr);

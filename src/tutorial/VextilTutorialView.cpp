@@ -1,16 +1,17 @@
-#include "VextilToolkit/VextilTutorialView.h"
+#include "tutorial/VextilTutorialView.h"
 
+#include "core/VextilTranslation.h"
 #include "ui/VextilFrame.h"
 #include "ui/VextilSchemeAccess.h"
 
 #include <QCoreApplication>
 #include <QGraphicsBlurEffect>
+#include <QGraphicsOpacityEffect>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
-#include <QGraphicsOpacityEffect>
 #include <QPainter>
-#include <QPropertyAnimation>
 #include <QPointer>
+#include <QPropertyAnimation>
 #include <QScopedValueRollback>
 #include <QTimer>
 
@@ -145,7 +146,7 @@ void VextilTutorialView::addViews()
         label->setWordWrap(true);  // three lines fit the fixed height
     }
     m_nextButton = new VextilButton(m_content);
-    m_nextButton->setText(QCoreApplication::translate("VextilToolkit", "OK, I got it"));
+    m_nextButton->setText(translated("OK, I got it"));
     m_nextButton->setAccessibleName(m_nextButton->text());
     m_nextButton->setTitleColor(scheme->popUpButtonTintColorForState(kVextilHighlighted));
     QFont font = m_nextButton->font();

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <VextilToolkit/VextilButton.h>
-#include <VextilToolkit/VextilImageView.h>
-#include <VextilToolkit/VextilToolkitExport.h>
+#include "ui/VextilButton.h"
+#include "ui/VextilImageView.h"
 
 #include <QLabel>
 #include <QWidget>
@@ -13,7 +12,7 @@
 /// with one button that fades it out and reports that it is done. Subclasses fill in the tips.
 /// The owner sets completionHandler, adds it over a screen and gives it the screen's size.
 /// GUI thread only.
-class VEXTIL_EXPORT VextilTutorialView : public QWidget {
+class VextilTutorialView : public QWidget {
     Q_OBJECT
 public:
     explicit VextilTutorialView(QWidget *parent = nullptr);

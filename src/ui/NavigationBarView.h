@@ -1,15 +1,14 @@
 #pragma once
 
-#include <VextilToolkit/VextilButton.h>
-#include <VextilToolkit/VextilLabel.h>
-#include <VextilToolkit/VextilToolkitExport.h>
+#include "ui/VextilButton.h"
+#include "ui/VextilLabel.h"
 
 #include <QWidget>
 
 /// The toolkit's top bar: a centred title, a back button at the leading edge and, optionally,
 /// a help button at the trailing edge. It attaches no actions; its owner connects the buttons'
 /// pressed() signals and sets the tints. GUI thread only.
-class VEXTIL_EXPORT NavigationBarView : public QWidget {
+class NavigationBarView : public QWidget {
     Q_OBJECT
 public:
     /// Builds the bar; its owner gives it its geometry.

@@ -1,4 +1,4 @@
-#include "VextilToolkit/VextilBaseNavigationController.h"
+#include "ui/VextilBaseNavigationController.h"
 
 void VextilBaseNavigationController::pushViewController(QWidget *controller)
 {

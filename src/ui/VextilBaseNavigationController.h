@@ -1,12 +1,10 @@
 #pragma once
 
-#include <VextilToolkit/VextilToolkitExport.h>
-
 #include <QStackedWidget>
 
 /// A stack of screens for hosts that wrap toolkit screens in a navigation stack; like the
 /// toolkit's screens it is portrait only and never rotates. GUI thread only.
-class VEXTIL_EXPORT VextilBaseNavigationController : public QStackedWidget {
+class VextilBaseNavigationController : public QStackedWidget {
     Q_OBJECT
 public:
     using QStackedWidget::QStackedWidget;

@@ -1,6 +1,6 @@
-#include "VextilToolkit/VextilBaseViewController.h"
+#include <VextilToolkit/VextilBaseViewController.h>
 
-#include "ui/VextilMainQueue.h"
+#include "core/VextilMainQueue.h"
 
 #include <QEvent>
 #include <QPropertyAnimation>

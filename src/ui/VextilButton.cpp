@@ -1,6 +1,6 @@
-#include "VextilToolkit/VextilButton.h"
+#include "ui/VextilButton.h"
 
-#include "VextilToolkit/VextilImages.h"
+#include "ui/VextilImages.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <VextilToolkit/VextilToolkitExport.h>
-
 #include <QAbstractButton>
 #include <QColor>
 #include <QMarginsF>
@@ -9,7 +7,7 @@
 /// A button laid out the way the toolkit's screens expect: an optional template image tinted
 /// with tintColor, an optional title, a background with rounded corners, and edge insets for
 /// the content, the image and the title. Owners act on pressed(), as the finger lands.
-class VEXTIL_EXPORT VextilButton : public QAbstractButton {
+class VextilButton : public QAbstractButton {
     Q_OBJECT
 public:
     explicit VextilButton(QWidget *parent = nullptr);
@@ -51,4 +49,4 @@ private:
 
 /// Separates a button's image and title by `spacing` while the pair stays centred: image
 /// insets (0, 0, 0, spacing) and title insets (0, spacing, 0, 0), as top, left, bottom, right.
-VEXTIL_EXPORT void centerButtonAndImageWithSpacing(VextilButton *button, qreal spacing);
+void centerButtonAndImageWithSpacing(VextilButton *button, qreal spacing);

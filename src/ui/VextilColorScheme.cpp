@@ -1,6 +1,6 @@
-#include "VextilToolkit/VextilColorScheme.h"
+#include <VextilToolkit/VextilColorScheme.h>
 
-#include "VextilToolkit/VextilDefaultColorScheme.h"
+#include <VextilToolkit/VextilDefaultColorScheme.h>
 
 VextilColorScheme::~VextilColorScheme() = default;
 

@@ -1,6 +1,6 @@
-#include "VextilToolkit/VextilImageView.h"
+#include "ui/VextilImageView.h"
 
-#include "VextilToolkit/VextilImages.h"
+#include "ui/VextilImages.h"
 
 #include <QPainter>
 

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <VextilToolkit/VextilToolkitExport.h>
-
 #include <QColor>
 #include <QImage>
 #include <QWidget>
 
 /// Shows one of the toolkit's images, redrawn crisply at whatever size and density it gets.
-class VEXTIL_EXPORT VextilImageView : public QWidget {
+class VextilImageView : public QWidget {
     Q_OBJECT
 public:
     enum class ContentMode { ScaleAspectFit, ScaleAspectFill };

@@ -1,4 +1,4 @@
-#include "VextilToolkit/VextilImages.h"
+#include "ui/VextilImages.h"
 
 #include <QFile>
 #include <QPainter>

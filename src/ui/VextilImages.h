@@ -1,14 +1,12 @@
 #pragma once
 
-#include <VextilToolkit/VextilToolkitExport.h>
-
 #include <QColor>
 #include <QImage>
 #include <QSizeF>
 #include <QString>
 
 /// The toolkit's own artwork, compiled in as SVG under :/VextilToolkit/images/.
-class VEXTIL_EXPORT VextilImages {
+class VextilImages {
 public:
     /// Whether an image of that name ships with the toolkit.
     static bool exists(const QString &name);

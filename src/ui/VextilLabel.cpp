@@ -1,4 +1,4 @@
-#include "VextilToolkit/VextilLabel.h"
+#include "ui/VextilLabel.h"
 
 #include <QAccessible>
 #include <QFontMetricsF>

@@ -1,11 +1,9 @@
 #pragma once
 
-#include <VextilToolkit/VextilToolkitExport.h>
-
 #include <QLabel>
 
 /// A label that can shrink its font to fit its width before eliding, down to a minimum scale.
-class VEXTIL_EXPORT VextilLabel : public QLabel {
+class VextilLabel : public QLabel {
     Q_OBJECT
 public:
     explicit VextilLabel(QWidget *parent = nullptr);

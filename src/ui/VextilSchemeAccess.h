@@ -1,7 +1,7 @@
 #pragma once
 
-#include "VextilToolkit/VextilDefaultColorScheme.h"
-#include "VextilToolkit/VextilToolkitSettings.h"
+#include <VextilToolkit/VextilDefaultColorScheme.h>
+#include <VextilToolkit/VextilToolkitSettings.h>
 
 // The colour scheme views read when they set up their colours: the host's, or the default
 // when the host stored none.

@@ -1,4 +1,4 @@
-#include "VextilToolkit/VextilJsonValue.h"
+#include <VextilToolkit/VextilJsonValue.h>
 
 namespace {
 

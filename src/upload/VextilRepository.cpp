@@ -1,8 +1,9 @@
-#include "VextilToolkit/VextilRepository.h"
+#include <VextilToolkit/VextilRepository.h>
 
+#include "core/VextilLocked.h"
+#include "core/VextilMainQueue.h"
 #include "upload/VextilUploadEndpoint.h"
 #include "upload/VextilUploadSession.h"
-#include "ui/VextilMainQueue.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -16,20 +17,6 @@ namespace {
 
 // The answer test mode gives without sending anything.
 const QVariantMap kTestAnswer{{QStringLiteral("token"), QStringLiteral("7301586240k58k602")}};
-
-template <typename T>
-T readLocked(QMutex &mutex, const T &field)
-{
-    QMutexLocker lock(&mutex);
-    return field;
-}
-
-template <typename T>
-void writeLocked(QMutex &mutex, T &field, T value)
-{
-    QMutexLocker lock(&mutex);
-    field = std::move(value);
-}
 
 }  // namespace
 
@@ -124,13 +111,13 @@ void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallbac
     setProgress(0.0);
     const std::optional<QString> key = authKey();
     if (!key) {
-        callBack(std::nullopt, VextilError::createVextilSDKErrorWithCode(420));
+        callBack(std::nullopt, VextilError::createVextilSDKErrorWithCode(VextilErrorCodeNoAuthKey));
         return;
     }
     const VextilUploadContent snapshot = content();
     const std::optional<QList<VextilFilePart>> files = VextilUploadRequest::files(snapshot, dataType);
     if (!files) {
-        callBack(std::nullopt, VextilError::createVextilSDKErrorWithCode(424));
+        callBack(std::nullopt, VextilError::createVextilSDKErrorWithCode(VextilErrorCodeNoImages));
         return;
     }
     const QString boundary = generateBoundary();
@@ -169,7 +156,7 @@ void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallbac
 void VextilRepository::finishTransfer(const VextilUploadOutcome &outcome, const SendCallback &callBack)
 {
     if (outcome.transportFailed) {
-        setError(VextilError::createVextilSDKErrorWithCode(423));
+        setError(VextilError::createVextilSDKErrorWithCode(VextilErrorCodeTransferFailed));
         callBack(std::nullopt, error());
         return;
     }
@@ -184,6 +171,6 @@ void VextilRepository::finishTransfer(const VextilUploadOutcome &outcome, const 
     }
     // 402 and 502 share one code on purpose.
     const bool refused = outcome.status == 402 || outcome.status == 502;
-    setError(VextilError::createVextilSDKErrorWithCode(refused ? 422 : 1500));
+    setError(VextilError::createVextilSDKErrorWithCode(refused ? VextilErrorCodeServiceRefused : VextilErrorCodeUnexpectedStatus));
     callBack(std::nullopt, error());
 }

@@ -1,4 +1,4 @@
-#include "VextilToolkit/VextilUploadRequest.h"
+#include <VextilToolkit/VextilUploadRequest.h>
 
 #include <QBuffer>
 #include <QUuid>

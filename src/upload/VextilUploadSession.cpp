@@ -1,7 +1,7 @@
 #include "upload/VextilUploadSession.h"
 
-#include "ui/VextilMainQueue.h"
-#include "ui/VextilThreadHandoff.h"
+#include "core/VextilMainQueue.h"
+#include "core/VextilThreadHandoff.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>

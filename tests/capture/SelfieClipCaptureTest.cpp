@@ -1,7 +1,6 @@
 #include "ClipRun.h"
-
-#include <VextilToolkit/VextilCascadeFaceDetector.h>
-#include <VextilToolkit/VextilLearnedFaceDetector.h>
+#include "detection/VextilCascadeFaceDetector.h"
+#include "detection/VextilLearnedFaceDetector.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,8 @@
-#include <VextilToolkit/VextilFaceCameraView.h>
-#include <VextilToolkit/VextilFaceProgressBoxView.h>
+#include <VextilToolkit/VextilFaceCameraViewController.h>
+
+#include "capture/VextilFaceCameraView.h"
+#include "capture/VextilFaceProgressBar.h"
+#include "capture/VextilFaceProgressBoxView.h"
 
 #include <QTest>
 
@@ -9,9 +12,9 @@
 
 namespace {
 
-void settle() { QTest::qWait(20); }
+void settle() { QTest::qWait(50); }
 
-TEST(FaceCameraView, StartsWhiteAndTogglesFromTheCaptureThreadInCallOrder)
+TEST(FaceCameraView, StartsWhiteAndEachToggleSwapsTheFrames)
 {
     VextilFaceCameraView view;
     view.resize(390, 618);
@@ -22,25 +25,67 @@ TEST(FaceCameraView, StartsWhiteAndTogglesFromTheCaptureThreadInCallOrder)
     EXPECT_TRUE(view.popupLabel()->isHidden());
     EXPECT_EQ(view.popupLabel()->fullText(), "SMILE!");
 
-    std::thread capture([&] {
-        for (int i = 0; i < 3; ++i)
-            view.changeMaskState();
-        view.isPopupHidden(false);
-        view.isPopupHidden(true);
-        view.isPopupHidden(false);
-    });
-    capture.join();
-    EXPECT_TRUE(view.greenMaskView()->isHidden()) << "nothing changes off the GUI thread";
-    settle();
+    for (int i = 0; i < 3; ++i)
+        view.changeMaskState();
     EXPECT_FALSE(view.greenMaskView()->isHidden()) << "an odd number of toggles leaves green";
     EXPECT_TRUE(view.whiteMaskView()->isHidden());
-    EXPECT_FALSE(view.popupView()->isHidden()) << "the last call wins";
+    view.isPopupHidden(false);
+    EXPECT_FALSE(view.popupView()->isHidden());
     EXPECT_FALSE(view.popupLabel()->isHidden());
-
     view.changeMaskState();
-    settle();
+    view.isPopupHidden(true);
     EXPECT_FALSE(view.whiteMaskView()->isHidden());
     EXPECT_TRUE(view.greenMaskView()->isHidden());
+    EXPECT_TRUE(view.popupLabel()->isHidden());
+}
+
+// A camera that delivers nothing: the test plays the capture thread itself.
+class SilentSource : public VextilFrameSource {
+public:
+    void start() override {}
+    void stop() override {}
+    bool isRunning() const override { return false; }
+    QString description() const override { return QStringLiteral("silent"); }
+    bool isAvailable() const override { return true; }
+};
+
+TEST(FaceCameraScreen, CarriesTheModelsCallsFromTheCaptureThreadToItsViewsInCallOrder)
+{
+    QWidget host;
+    host.resize(390, 844);
+    host.show();
+    auto *camera = new VextilFaceCameraViewController;
+    camera->setPresentTutorial(false);
+    camera->setFrameSource(std::make_unique<SilentSource>());
+    VextilBaseViewController::present(&host, camera, false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return camera->isVisible(); }, 2000));
+    settle();  // the reset's own updates land first
+    VextilFaceCameraView *view = camera->faceCameraView();
+    VextilFaceProgressBoxView *box = camera->faceProgressBoxView();
+    ASSERT_TRUE(view->greenMaskView()->isHidden());
+
+    std::thread capture([&] {
+        camera->updateMessageText(QStringLiteral("Checking your face"));
+        camera->updateProgressView(0.2);
+        camera->updateProgressView(0.4);
+        for (int i = 0; i < 3; ++i)
+            camera->changeMaskState();
+        camera->isPopupViewHidden(false);
+        camera->isPopupViewHidden(true);
+        camera->isPopupViewHidden(false);
+        camera->isProgressBarHidden(true);
+    });
+    capture.join();
+    EXPECT_TRUE(view->greenMaskView()->isHidden()) << "nothing changes off the GUI thread";
+    settle();
+    EXPECT_EQ(box->instructionsLabel()->fullText(), "Checking your face");
+    EXPECT_EQ(box->faceProgressBar()->strokeEnd(), 0.4) << "the last value wins";
+    EXPECT_FALSE(view->greenMaskView()->isHidden()) << "three toggles, applied in order, leave green";
+    EXPECT_FALSE(view->popupView()->isHidden());
+    EXPECT_TRUE(box->faceProgressBar()->isHidden());
+    camera->dismissViewControllerAnimated(false);
+    QTest::qWait(50);
+    delete camera;
 }
 
 TEST(FaceCameraView, MasksCoverTheViewThePopupIsCentredAndTheLogoSitsTopRight)
@@ -71,13 +116,9 @@ TEST(FaceProgressBox, LaysOutLabelAboveTheBarAndAnimatesToTheLastValue)
 
     VextilFaceProgressBar *progress = box.faceProgressBar();
     EXPECT_FALSE(progress->hasProgressBar()) << "drawn on the first update only";
-    std::thread capture([&] {
-        box.updateInstructionsLabelWithText("Checking your face");
-        box.updateProgress(0.2);
-        box.updateProgress(0.6);  // replaces the running animation
-    });
-    capture.join();
-    settle();
+    box.updateInstructionsLabelWithText("Checking your face");
+    box.updateProgress(0.2);
+    box.updateProgress(0.6);  // replaces the running animation
     EXPECT_TRUE(progress->hasProgressBar());
     EXPECT_EQ(progress->strokeEnd(), 0.6);
     EXPECT_EQ(box.instructionsLabel()->fullText(), "Checking your face");

@@ -1,8 +1,8 @@
-#include "RecordingDelegate.h"
-#include "ScriptedFaceDetector.h"
-
 #include <VextilToolkit/VextilFaceCameraModel.h>
 #include <VextilToolkit/VextilRepository.h>
+
+#include "RecordingDelegate.h"
+#include "ScriptedFaceDetector.h"
 
 #include <QCoreApplication>
 #include <QTranslator>
@@ -56,6 +56,25 @@ protected:
     RecordingDelegate delegate;
     QImage image{100, 200, QImage::Format_RGB32};
 };
+
+TEST_F(FaceCameraModelTest, ResetRunsOnTheStateQueueWhereFramesAreAnalysed)
+{
+    collectNeutral();
+    QList<std::function<void()>> queued;
+    model.setStateQueue([&](std::function<void()> work) { queued.append(std::move(work)); });
+    model.resetState();
+    settle();
+    ASSERT_EQ(queued.size(), 1) << "the reset waits on the state queue";
+    EXPECT_EQ(neutralCount(), 5) << "and not on the GUI thread";
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
+
+    delegate.clear();
+    std::thread capture(queued.first());
+    capture.join();
+    EXPECT_EQ(neutralCount(), 0);
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+    EXPECT_TRUE(delegate.calls().contains("message:Looking for face"));
+}
 
 TEST_F(FaceCameraModelTest, NearEnoughIsStrictlyBetweenFortyAndEightyThreePercentOfTheView)
 {

@@ -1,9 +1,11 @@
-#include "ReferenceServer.h"
-
 #include <VextilToolkit/VextilCameraAuthorization.h>
 #include <VextilToolkit/VextilFace.h>
-#include <VextilToolkit/VextilTutorialFace.h>
 #include <VextilToolkit/VextilVideoFileSource.h>
+
+#include "ReferenceServer.h"
+#include "review/VextilConfirmView.h"
+#include "tutorial/VextilTutorialFace.h"
+#include "ui/NavigationBarView.h"
 
 #include <QDir>
 #include <QMessageBox>
@@ -175,7 +177,7 @@ TEST_F(FaceFlowTest, NoFrameReachesTheModelWhileTheTutorialIsUp)
     VextilFaceCameraViewController *camera = face->faceCameraViewController();
     QTest::qWait(2500);  // the clip shows a near face from its first second
     EXPECT_TRUE(camera->isPresentingTutorial());
-    EXPECT_GT(camera->captureQueue()->stats().delivered, 10);
+    EXPECT_GT(camera->captureStats().delivered, 10);
     EXPECT_FALSE(camera->model()->lastFrameDate().has_value()) << "the model saw no frame";
 
     auto *tutorial = camera->findChild<VextilTutorialFace *>();

@@ -1,10 +1,10 @@
 #include "ClipRun.h"
 
-#include "RecordingDelegate.h"
-
 #include <VextilToolkit/VextilFaceCameraModel.h>
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
+
+#include "RecordingDelegate.h"
 
 #include <QCoreApplication>
 

@@ -1,10 +1,10 @@
 // GoogleTest entry point inside a Qt application, so that queued calls to the GUI thread run
 // when a test processes events.
-#include <gtest/gtest.h>
-
-#include <QDir>
 #include <QApplication>
+#include <QDir>
 #include <QSettings>
+
+#include <gtest/gtest.h>
 
 int main(int argc, char **argv)
 {

@@ -1,6 +1,7 @@
 #include <VextilToolkit/VextilDefaultColorScheme.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
-#include <VextilToolkit/VextilTutorialFace.h>
+
+#include "tutorial/VextilTutorialFace.h"
 
 #include <QPointer>
 #include <QTest>

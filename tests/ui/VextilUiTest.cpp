@@ -1,9 +1,10 @@
-#include <VextilToolkit/NavigationBarView.h>
 #include <VextilToolkit/VextilBaseViewController.h>
-#include <VextilToolkit/VextilButton.h>
 #include <VextilToolkit/VextilDefaultColorScheme.h>
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
+
+#include "ui/NavigationBarView.h"
+#include "ui/VextilButton.h"
 
 #include <QSignalSpy>
 #include <QTest>

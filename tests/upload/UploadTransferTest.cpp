@@ -1,7 +1,7 @@
+#include <VextilToolkit/VextilRepository.h>
+
 #include "ReferenceServer.h"
 #include "TestImages.h"
-
-#include <VextilToolkit/VextilRepository.h>
 
 #include <QDir>
 #include <QFile>

@@ -3,10 +3,9 @@
 #include <QCoreApplication>
 #include <QThread>
 
-#include <thread>
-
 #include <gtest/gtest.h>
 
+#include <thread>
 #include <vector>
 
 namespace {

@@ -1,6 +1,6 @@
-#include "TestImages.h"
-
 #include <VextilToolkit/VextilRepository.h>
+
+#include "TestImages.h"
 
 #include <QFile>
 #include <QRegularExpression>

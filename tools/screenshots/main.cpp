@@ -2,12 +2,13 @@
 // 1080x1920 and saves one PNG per view and state. The camera picture is a frame of the sample
 // clip; the camera screen is assembled the way its controller lays it out.
 
-#include <VextilToolkit/NavigationBarView.h>
 #include <VextilToolkit/VextilDefaultColorScheme.h>
-#include <VextilToolkit/VextilFaceCameraView.h>
-#include <VextilToolkit/VextilFaceProgressBoxView.h>
-#include <VextilToolkit/VextilTutorialFace.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
+
+#include "capture/VextilFaceCameraView.h"
+#include "capture/VextilFaceProgressBoxView.h"
+#include "tutorial/VextilTutorialFace.h"
+#include "ui/NavigationBarView.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <VextilToolkit/VextilClock.h>
+#include <VextilToolkit/VextilFaceCameraModelDelegate.h>
+#include <VextilToolkit/VextilFaceCaptureState.h>
+#include <VextilToolkit/VextilFaceDetector.h>
+#include <VextilToolkit/VextilToolkitExport.h>
+
+#include <QImage>
+#include <QList>
+#include <QMutex>
+#include <QObject>
+#include <QPointer>
+#include <QSizeF>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+
+/// The face capture state machine. Fed one image per camera frame, it detects the face and its
+/// smile, collects five neutral images at least a second apart and then two smiling ones,
+/// drives the camera screen through its delegate, and hands the images to VextilRepository.
+///
+/// Create it on the GUI thread. The state machine runs on one thread, the one that calls
+/// processFace(): the reset is queued there too (see setStateQueue). Completion runs on the GUI
+/// thread's event loop.
+class VEXTIL_EXPORT VextilFaceCameraModel : public QObject {
+    Q_OBJECT
+public:
+    /// Images shared by reference with the capture store; null is not the same as empty.
+    using ImageArray = std::shared_ptr<QList<QImage>>;
+
+    /// A model on the toolkit's default face detector and the steady clock.
+    explicit VextilFaceCameraModel(QObject *parent = nullptr);
+    /// A model on the given detector and clock (an empty clock means the steady clock).
+    explicit VextilFaceCameraModel(std::shared_ptr<VextilFaceDetector> detector, VextilClock clock = {},
+                                   QObject *parent = nullptr);
+    ~VextilFaceCameraModel() override;
+
+    /// Runs work, in call order, on the thread that calls processFace().
+    using StateQueue = std::function<void(std::function<void()> work)>;
+
+    /// Stores the on-screen size of the camera view; faces are judged against it. Any thread.
+    void setViewSize(QSizeF size);
+    /// Where the reset runs: the queue that feeds processFace() (the camera screen sets its
+    /// capture queue). Unset, the GUI thread's event loop, for hosts that feed frames there.
+    /// Set before frames flow.
+    void setStateQueue(StateQueue queue);
+    /// Whether the face's on-screen width is strictly between 40% and 83% of the view's width,
+    /// with the image fitted into the view keeping its aspect.
+    bool isFaceNearEnough(const VextilFaceFeature &face, const QImage &image) const;
+    /// Analyses one frame and moves the state machine. Capture thread; a frame that arrives
+    /// while another is being detected is dropped.
+    void processFace(const QImage &image);
+    /// Enters a state and tells the delegate what to show. Thread of the caller.
+    void setUItoState(VextilFaceCaptureState state);
+    /// Queues a reset to the state machine's thread: both arrays new and empty, state 0.
+    void resetState();
+    /// Drops the face images held by the capture store.
+    void clearData();
+    /// The first instructions text, translated: "Looking for face".
+    QString getFirstMessageText() const;
+
+    /// Neutral images collected so far, oldest first.
+    ImageArray facesArray() const;
+    void setFacesArray(ImageArray array);
+    /// Smiling images collected so far; null until the first reset has run.
+    ImageArray facesSmileArray() const;
+    void setFacesSmileArray(ImageArray array);
+    /// Time of the last accepted frame; empty until the first one.
+    std::optional<VextilTimePoint> lastFrameDate() const;
+    void setLastFrameDate(std::optional<VextilTimePoint> date);
+    /// The face detector, made once at construction.
+    std::shared_ptr<VextilFaceDetector> faceDetector() const;
+    /// The camera view's size; zero until setViewSize().
+    QSizeF viewSize() const;
+    /// True while a detection runs.
+    bool isProcessing() const;
+    void setIsProcessing(bool processing);
+    /// One-frame grace flag: a single frame without a face is forgiven while it is set.
+    bool hasFaceInLastFrame() const;
+    void setHasFaceInLastFrame(bool hasFace);
+    /// The state of the machine.
+    VextilFaceCaptureState currentState() const;
+    void setCurrentState(VextilFaceCaptureState state);
+    /// Receiver of the screen updates, held weakly; must implement VextilFaceCameraModelDelegate.
+    QObject *delegate() const;
+    void setDelegate(QObject *delegate);
+
+private:
+    void noFace();
+    void lookingForFace(const VextilFaceFeature &face, const QImage &image);
+    void collectingFaces(const VextilFaceFeature &face, const QImage &image);
+    void awaitingSmile(const VextilFaceFeature &face, const QImage &image);
+    bool secondHasPassed() const;
+    void stampClock();
+    int neutralCount() const;
+    void completeCapture();
+    void runOnStateQueue(std::function<void()> work);
+    VextilFaceCameraModelDelegate *currentDelegate() const;
+
+    // Guards the arrays, the view size, the state queue and the delegate pointer, which the
+    // capture thread and the GUI thread share; never held while the detector or the delegate runs.
+    mutable QMutex m_mutex;
+    ImageArray m_facesArray;
+    ImageArray m_facesSmileArray;
+    QSizeF m_viewSize{0, 0};  // zero, not QSizeF()'s (-1, -1): no face passes until it is set
+    QPointer<QObject> m_delegate;
+    StateQueue m_stateQueue;
+
+    std::shared_ptr<VextilFaceDetector> m_faceDetector;
+    VextilClock m_clock;
+    // Nanoseconds since the clock's epoch; kNoDate when no frame was accepted yet.
+    std::atomic<qint64> m_lastFrameDate;
+    std::atomic<bool> m_isProcessing{false};
+    std::atomic<bool> m_hasFaceInLastFrame{false};
+    std::atomic<quint64> m_currentState{VextilFaceCaptureStateLookingForFace};
+};

@@ -1,0 +1,76 @@
+#include <VextilToolkit/VextilVideoFileReader.h>
+
+#include <VextilToolkit/VextilImageBuffer.h>
+
+#include <QFileInfo>
+
+#include <opencv2/imgproc.hpp>
+#include <opencv2/videoio.hpp>
+
+struct VextilVideoFileReader::Private {
+    cv::VideoCapture capture;
+    cv::Mat decoded;
+    cv::Mat bgrx;  // reused for every frame
+    QString error;
+    int nextIndex = 0;
+    double fps = 15.0;
+};
+
+VextilVideoFileReader::VextilVideoFileReader() : d(std::make_unique<Private>()) {}
+VextilVideoFileReader::~VextilVideoFileReader() = default;
+
+bool VextilVideoFileReader::open(const QString &path)
+{
+    d->capture.release();
+    d->nextIndex = 0;
+    d->error.clear();
+    if (!QFileInfo(path).isFile()) {
+        d->error = QStringLiteral("no such video file: %1").arg(path);
+        return false;
+    }
+    if (!d->capture.open(path.toStdString(), cv::CAP_ANY)) {
+        d->error = QStringLiteral("cannot decode video file: %1").arg(path);
+        return false;
+    }
+    const double stated = d->capture.get(cv::CAP_PROP_FPS);
+    d->fps = stated > 0 ? stated : 15.0;
+    return true;
+}
+
+bool VextilVideoFileReader::isOpen() const { return d->capture.isOpened(); }
+QString VextilVideoFileReader::errorString() const { return d->error; }
+double VextilVideoFileReader::framesPerSecond() const { return d->fps; }
+
+int VextilVideoFileReader::frameCount() const
+{
+    return isOpen() ? qMax(0, int(d->capture.get(cv::CAP_PROP_FRAME_COUNT))) : 0;
+}
+
+QSize VextilVideoFileReader::frameSize() const
+{
+    if (!isOpen())
+        return {};
+    return {int(d->capture.get(cv::CAP_PROP_FRAME_WIDTH)), int(d->capture.get(cv::CAP_PROP_FRAME_HEIGHT))};
+}
+
+std::optional<VextilVideoFileFrame> VextilVideoFileReader::readFrame()
+{
+    if (!isOpen() || !d->capture.read(d->decoded) || d->decoded.empty())
+        return std::nullopt;
+    // Decoders give blue, green, red; add the fourth byte a camera frame has, then take the
+    // camera's own conversion so that both sources yield identical images.
+    if (d->decoded.channels() == 4)
+        d->decoded.copyTo(d->bgrx);
+    else
+        cv::cvtColor(d->decoded, d->bgrx, d->decoded.channels() == 1 ? cv::COLOR_GRAY2BGRA : cv::COLOR_BGR2BGRA);
+    const VextilSampleBuffer buffer{d->bgrx.data, qsizetype(d->bgrx.total() * d->bgrx.elemSize()),
+                                    d->bgrx.cols, d->bgrx.rows, qsizetype(d->bgrx.step)};
+    const int index = d->nextIndex++;
+    return VextilVideoFileFrame{VextilImageBuffer::imageFromSampleBuffer(buffer), index, index / d->fps};
+}
+
+bool VextilVideoFileReader::rewind()
+{
+    d->nextIndex = 0;
+    return isOpen() && d->capture.set(cv::CAP_PROP_POS_FRAMES, 0);
+}

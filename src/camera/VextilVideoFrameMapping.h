@@ -1,0 +1,33 @@
+#pragma once
+
+#include <VextilToolkit/VextilSampleBuffer.h>
+
+#include <QImage>
+#include <QVideoFrame>
+
+/// Presents a Qt Multimedia video frame as a sample buffer for the frame conversion.
+/// BGRA and BGRx frames are mapped and read as they are; any other pixel format is converted
+/// to 32-bit BGRx first. The buffer is valid while this object lives.
+class VextilVideoFrameMapping {
+public:
+    /// Maps (or converts) the frame for reading; check sampleBuffer().status().
+    explicit VextilVideoFrameMapping(const QVideoFrame &frame);
+    /// Unmaps the frame.
+    ~VextilVideoFrameMapping();
+    VextilVideoFrameMapping(const VextilVideoFrameMapping &) = delete;
+    VextilVideoFrameMapping &operator=(const VextilVideoFrameMapping &) = delete;
+
+    /// The frame's plane; status() is not Ok when the frame could not be read.
+    const VextilSampleBuffer &sampleBuffer() const { return m_buffer; }
+    /// True when the frame's own memory is read without a format conversion.
+    bool isDirect() const { return m_mapped; }
+
+    /// True for pixel formats whose memory layout already is blue, green, red, ignored byte.
+    static bool isDirectFormat(QVideoFrameFormat::PixelFormat format);
+
+private:
+    QVideoFrame m_frame;
+    QImage m_converted;
+    VextilSampleBuffer m_buffer;
+    bool m_mapped = false;
+};

@@ -1,0 +1,61 @@
+#include "detection/VextilLearnedFaceDetector.h"
+
+#include "detection/VextilCascadeFaceDetector.h"
+
+#include <QLoggingCategory>
+
+#include <cmath>
+
+Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)
+
+VextilLearnedFaceDetector::VextilLearnedFaceDetector(float smileThreshold) : m_smileThreshold(smileThreshold) {}
+
+VextilLearnedFaceDetector::VextilLearnedFaceDetector(const QString &faceModel, const QString &expressionManifest,
+                                                     const QString &expressionWeights, float smileThreshold)
+    : m_faces(faceModel), m_expressions(expressionManifest, expressionWeights), m_smileThreshold(smileThreshold)
+{
+}
+
+std::shared_ptr<VextilFaceDetector> VextilLearnedFaceDetector::createOrFallBack(std::shared_ptr<VextilLearnedFaceDetector> learned)
+{
+    if (learned && learned->isLoaded())
+        return learned;
+    qCWarning(lcVextilDetector).noquote() << "the learned face detector is unavailable, using the cascade detector:"
+                                          << (learned ? learned->errorString() : QStringLiteral("none given"));
+    return std::make_shared<VextilCascadeFaceDetector>();
+}
+
+QString VextilLearnedFaceDetector::errorString() const
+{
+    return !m_faces.isLoaded() ? m_faces.errorString() : m_expressions.errorString();
+}
+
+QList<float> VextilLearnedFaceDetector::happiness(const QImage &image)
+{
+    QList<float> happy;
+    for (const VextilBlazeFace::Face &face : m_faces.detect(image))
+        happy.append(m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy]);
+    return happy;
+}
+
+QRectF VextilLearnedFaceDetector::faceBounds(const VextilBlazeFace::Face &face)
+{
+    const auto distance = [](QPointF a, QPointF b) { return std::hypot(a.x() - b.x(), a.y() - b.y()); };
+    const QPointF eyes = (face.keyPoints[0] + face.keyPoints[1]) / 2;
+    const QPointF mouth = face.keyPoints[3];
+    const double side = 2.5 * (distance(eyes, mouth) + distance(face.keyPoints[0], face.keyPoints[1])) / 2;
+    const QPointF centre = (eyes + mouth) / 2 - QPointF(0, 0.1 * side);
+    return {centre - QPointF(side / 2, side / 2), QSizeF(side, side)};
+}
+
+QList<VextilFaceFeature> VextilLearnedFaceDetector::featuresInImage(const QImage &image)
+{
+    QList<VextilFaceFeature> features;
+    for (const VextilBlazeFace::Face &face : m_faces.detect(image)) {
+        const float happy = m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy];
+        // The contract's bounds have their origin at the bottom left.
+        const QRectF box = faceBounds(face);
+        features.append({QRectF(box.x(), image.height() - box.bottom(), box.width(), box.height()), happy > m_smileThreshold});
+    }
+    return features;
+}

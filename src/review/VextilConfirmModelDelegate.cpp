@@ -1,0 +1,5 @@
+#include <VextilToolkit/VextilConfirmModelDelegate.h>
+
+// Defined here so that the interface's type information lives in the toolkit alone, and a
+// delegate made by the host casts to it whatever the platform's rules for merging it.
+VextilConfirmModelDelegate::~VextilConfirmModelDelegate() = default;

@@ -1,0 +1,90 @@
+#include "detection/VextilBlazeFace.h"
+#include "detection/VextilCascadeFaceDetector.h"
+#include "detection/VextilLearnedFaceDetector.h"
+#include "LabelledPhotos.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(BlazeFace, FindsEveryLabelledFaceWithItsKeyPointsAndNothingInAnEmptyFrame)
+{
+    VextilBlazeFace finder;
+    ASSERT_TRUE(finder.isLoaded()) << qPrintable(finder.errorString());
+    int closeMatches = 0;
+    for (const LabelledPhoto &photo : loadLabelledPhotos()) {
+        SCOPED_TRACE(qPrintable(photo.file));
+        const auto faces = finder.detect(loadPhoto(photo));
+        ASSERT_FALSE(faces.isEmpty());
+        const VextilBlazeFace::Face &face = faces.first();
+        // The labels are approximate square boxes; BlazeFace's are tighter on most faces.
+        const double iou = intersectionOverUnion(face.bounds, photo.face);
+        EXPECT_GE(iou, 0.4);
+        closeMatches += iou >= 0.5;
+        EXPECT_GT(face.score, 0.7f);
+        for (int eye : {0, 1})
+            EXPECT_TRUE(QRectF(photo.face).contains(face.keyPoints[size_t(eye)])) << "eye " << eye;
+        EXPECT_LT(face.keyPoints[0].y(), face.keyPoints[3].y()) << "eyes above the mouth";
+    }
+    EXPECT_GE(closeMatches, 19);
+
+    QImage empty(720, 1280, QImage::Format_RGB32);
+    empty.fill(QColor(200, 190, 180));
+    EXPECT_TRUE(finder.detect(empty).isEmpty());
+    EXPECT_TRUE(finder.detect(QImage()).isEmpty());
+}
+
+TEST(BlazeFace, AMissingModelIsReportedAndFindsNothing)
+{
+    VextilBlazeFace missing(QStringLiteral("/nonexistent/face.onnx"));
+    EXPECT_FALSE(missing.isLoaded());
+    EXPECT_TRUE(missing.errorString().contains("/nonexistent/face.onnx"));
+    EXPECT_TRUE(missing.detect(loadPhoto(loadLabelledPhotos().first())).isEmpty());
+}
+
+TEST(LearnedFaceDetector, FindsEveryFaceAndClearSmileAndKnowsWhichNeutralFacesItMistakes)
+{
+    VextilLearnedFaceDetector detector;
+    ASSERT_TRUE(detector.isLoaded()) << qPrintable(detector.errorString());
+    for (const LabelledPhoto &photo : loadLabelledPhotos()) {
+        SCOPED_TRACE(qPrintable(photo.file));
+        const QImage image = loadPhoto(photo);
+        const QList<VextilFaceFeature> faces = detector.featuresInImage(image);
+        ASSERT_FALSE(faces.isEmpty());
+        // Bounds from the key points: forehead to chin, even on turned and tilted heads.
+        EXPECT_GE(intersectionOverUnion(topLeftBounds(faces.first().bounds, image.height()), photo.face), 0.5);
+        if (photo.smile == "yes") {
+            EXPECT_TRUE(faces.first().hasSmile);
+        }
+        // A talking face and a closed-lip smirk read as happy; every other neutral face does not.
+        const bool knownMistake = photo.file == "face-5-2-no.jpg" || photo.file == "face-5-4-no.jpg";
+        if (photo.smile == "no" && !knownMistake) {
+            EXPECT_FALSE(faces.first().hasSmile);
+            EXPECT_LT(detector.happiness(image).first(), 0.4f);
+        }
+    }
+}
+
+TEST(LearnedFaceDetector, IsTheDefaultFallsBackToTheCascadeWithOneWarningAndCanBeSetAside)
+{
+    EXPECT_NE(std::dynamic_pointer_cast<VextilLearnedFaceDetector>(VextilFaceDetector::createDefault()), nullptr);
+
+    static int warnings = 0;
+    warnings = 0;
+    const QtMessageHandler previous = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &) {
+        warnings += type == QtWarningMsg;
+    });
+    auto broken = std::make_shared<VextilLearnedFaceDetector>(QStringLiteral("/nonexistent/face.onnx"), QStringLiteral("/nonexistent/m.json"),
+                                                              QStringLiteral("/nonexistent/w.bin"));
+    EXPECT_FALSE(broken->isLoaded());
+    const auto fallback = VextilLearnedFaceDetector::createOrFallBack(broken);
+    qInstallMessageHandler(previous);
+    EXPECT_NE(std::dynamic_pointer_cast<VextilCascadeFaceDetector>(fallback), nullptr);
+    EXPECT_EQ(warnings, 1);
+
+    VextilFaceDetector::setPreferredKind(VextilFaceDetectorKind::Cascade);
+    EXPECT_NE(std::dynamic_pointer_cast<VextilCascadeFaceDetector>(VextilFaceDetector::createDefault()), nullptr);
+    VextilFaceDetector::setPreferredKind(VextilFaceDetectorKind::Learned);
+}
+
+}  // namespace
