@@ -5,7 +5,7 @@
 /// Scales camera images down for the face networks. Averaging every pixel of a large frame
 /// costs more than a network, and a plain bilinear reduction lets sensor noise alias. More than
 /// 2x down, this scales bilinearly to twice the size and then takes 2x2 means: most of the
-/// anti-aliasing for a tenth of the cost. Not thread-safe: it keeps its buffer.
+/// anti-aliasing at a fraction of the cost. Not thread-safe: it keeps its buffer.
 class VextilFrameScaler {
 public:
     /// `gentle`: the OpenCV interpolation used for reductions of 2x or less, and enlargements.

@@ -8,11 +8,8 @@
 /// Face and smile detector on two learned networks: faces from BlazeFace (see VextilBlazeFace),
 /// smiles from the expression network (see VextilFaceExpressionNet) run on BlazeFace's own face
 /// box, which is the crop it reads best. A face smiles when its "happy" probability is above
-/// `smileThreshold`. The bounds reported are faceBounds(), forehead to chin.
-///
-/// On the 21 labelled portraits at the default threshold of 0.5: all 7 clear smiles found; 2 of
-/// 7 neutral faces called smiling (a talking face with an open mouth, and a closed-lip smirk).
-/// The network's verdict swings with small changes of the crop, so no crop removes both.
+/// `smileThreshold`. The bounds reported are faceBounds(), forehead to chin. How well it does on
+/// the labelled photos is in the README's detection section.
 class VextilLearnedFaceDetector : public VextilFaceDetector {
 public:
     /// Loads both networks compiled into the toolkit; check isLoaded().

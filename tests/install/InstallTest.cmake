@@ -16,6 +16,33 @@ if(SANITIZE)  # a sanitized library needs a sanitized host
   list(APPEND consumer_flags -DCMAKE_CXX_FLAGS=-fsanitize=${SANITIZE} -DCMAKE_EXE_LINKER_FLAGS=-fsanitize=${SANITIZE})
 endif()
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+# Only the public API is installed: at most 32 headers, none of the detector's or screens' internals.
+file(GLOB headers ${prefix}/include/VextilToolkit/*.h)
+list(LENGTH headers header_count)
+if(header_count GREATER 32)
+  message(FATAL_ERROR "${header_count} headers installed")
+endif()
+foreach(internal VextilBlazeFace VextilFaceExpressionNet VextilDepthwiseConvolution VextilCaptureQueue
+                 VextilVideoFrameMapping VextilCameraSource VextilConfirmView NavigationBarView)
+  if(EXISTS ${prefix}/include/VextilToolkit/${internal}.h)
+    message(FATAL_ERROR "internal header ${internal}.h is installed")
+  endif()
+endforeach()
+
+# The delegate interfaces' type information is exported once, by the library, so that a host's
+# delegate casts to its interface inside the library on every platform.
+find_program(NM nm)
+if(NM)
+  file(GLOB library ${prefix}/lib*/libVextilToolkit.so ${prefix}/lib/*/libVextilToolkit.so)
+  run(${NM} -DC --defined-only ${library})
+  foreach(interface VextilFaceCameraModelDelegate VextilFaceCameraControllerDelegate VextilConfirmModelDelegate
+                    VextilConfirmControllerDelegate VextilColorScheme VextilFaceDetector)
+    if(NOT last_output MATCHES "typeinfo for ${interface}\n")
+      message(FATAL_ERROR "the library does not export the type information of ${interface}")
+    endif()
+  endforeach()
+endif()
+
 run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/consumer -DCMAKE_PREFIX_PATH=${prefix} ${consumer_flags})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/consumer)
 run(${WORK_DIR}/consumer/consumer)

@@ -1,16 +1,38 @@
+#include <VextilToolkit/VextilConfirmModel.h>
+#include <VextilToolkit/VextilConfirmModelDelegate.h>
 #include <VextilToolkit/VextilImageBuffer.h>
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitVersion.h>
 
+#include <QCoreApplication>
+
 #include <cstdio>
 
-int main()
+// A delegate made by the host: the library finds its interface by a cast at call time, which
+// only works when the interface's type information is the library's own.
+class HostReview : public QObject, public VextilConfirmModelDelegate {
+public:
+    void setDocumentImage(const QImage &) override {}
+    void setFaceImages(std::shared_ptr<QList<QImage>> images) override { received = images ? int(images->size()) : -1; }
+    int received = 0;
+};
+
+int main(int argc, char **argv)
 {
+    QCoreApplication app(argc, argv);
     const unsigned char bgrx[8] = {255, 0, 0, 0, 0, 0, 255, 0};
     const QImage image = VextilImageBuffer::imageFromSampleBuffer({bgrx, 8, 2, 1, 8});
-    VextilRepository::sharedInstance()->setAuthKey(QStringLiteral("consumer"));
+    VextilRepository *store = VextilRepository::sharedInstance();
+    store->setAuthKey(QStringLiteral("consumer"));
+    store->setFaceImages(std::make_shared<QList<QImage>>(QList<QImage>{image, image}));
+
+    HostReview review;
+    VextilConfirmModel model;
+    model.setDelegate(&review);
+    model.getImages();
+
     const bool ok = image.pixel(0, 0) == qRgb(0, 0, 255) && image.pixel(1, 0) == qRgb(255, 0, 0)
-                 && VextilRepository::sharedInstance()->authKey() == QStringLiteral("consumer");
+                 && store->authKey() == QStringLiteral("consumer") && review.received == 2;
     std::printf("VextilToolkit %s: %s\n", VEXTIL_TOOLKIT_VERSION_STRING, ok ? "ok" : "WRONG");
     return ok ? 0 : 1;
 }
