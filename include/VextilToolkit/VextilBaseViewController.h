@@ -26,7 +26,8 @@ public:
     QVariant previousOrientation() const;
     void setPreviousOrientation(const QVariant &orientation);
 
-    /// Shows `controller` over this screen's window; completion runs once it is shown.
+    /// Shows `controller` over this screen's window; completion runs once it is shown. A screen is
+    /// never presented over itself or over a screen it presented; one already on show stays.
     void presentViewController(VextilBaseViewController *controller, bool animated, std::function<void()> completion = {});
     /// Shows `controller` over any widget's window (a host's own window, for instance).
     static void present(QWidget *presenter, VextilBaseViewController *controller, bool animated,
@@ -34,6 +35,9 @@ public:
     /// Dismisses what this screen presented (and everything above it) or, when it presented
     /// nothing, this screen itself. Completion runs on the GUI thread once the screens are gone.
     void dismissViewControllerAnimated(bool animated, std::function<void()> completion = {});
+
+    /// Whether this screen is on its way out (from the start of its dismissal until it appears again).
+    bool isBeingDismissed() const { return m_beingDismissed; }
 
     /// The screen this one presented, or null.
     VextilBaseViewController *presentedViewController() const;
@@ -57,9 +61,11 @@ private:
     void appear(bool animated, std::function<void()> completion);
     void disappear(bool animated, std::function<void()> completion);
     void loadViewIfNeeded();
+    bool presentsAbove(const QWidget *widget) const;
 
     mutable QMutex m_orientationMutex;
     QVariant m_previousOrientation;
     QPointer<QWidget> m_presenting;
     bool m_loaded = false;
+    bool m_beingDismissed = false;
 };

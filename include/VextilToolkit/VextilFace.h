@@ -34,7 +34,9 @@ public:
     /// Whether the next capture opens with the tutorial (true by default).
     void presentTutorial(bool present) { m_presentTutorial = present; }
     bool isPresentingTutorial() const { return m_presentTutorial; }
-    /// Starts a capture flow over the host's top-most screen.
+    /// Starts a capture flow over the host's top-most screen (a modal dialog of the host's
+    /// included). While a flow is open, a new request only replaces the callback: the one flow
+    /// goes on, and the new callback gets its result.
     void requestFace(CaptureCallback callback);
     /// Uploads the stored capture; on success the stored face images are dropped.
     void sendFaceDataWithCallback(SendCallback callback);
@@ -54,7 +56,7 @@ public:
     /// Replaces the camera of the next camera screen built (a video file, for instance).
     void setFrameSourceFactory(std::function<std::unique_ptr<VextilFrameSource>()> factory);
 
-    // The flow's steps, also callable.
+    // The flow's steps, also callable; outside a flow they do nothing.
     void presentCameraView();
     void presentConfirmView();
     void dismissCamerControlerWithResult(bool result, std::optional<VextilError> error);
@@ -64,8 +66,11 @@ public:
 private:
     VextilFace() = default;
     static QWidget *defaultRoot();
+    static QWidget *topMost(QWidget *root);
+    bool isFlowOnShow() const;
 
     bool m_presentTutorial = true;
+    bool m_closing = false;  // the flow's screens are going; its result is on its way
     CaptureCallback m_imageResult;
     SendCallback m_sendResult;
     QPointer<QWidget> m_rootController;

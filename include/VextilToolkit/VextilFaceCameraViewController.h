@@ -85,8 +85,10 @@ protected:
     void viewWillAppear(bool animated) override;
     void viewDidAppear(bool animated) override;
     void resizeEvent(QResizeEvent *) override { setupConstraints(); }
-    /// The camera stops whenever its screen goes, whoever dismissed it.
+    /// The camera stops whenever its screen is hidden, whoever hid it, and starts again when
+    /// the screen is shown again during the capture.
     void hideEvent(QHideEvent *) override;
+    void showEvent(QShowEvent *) override;
 
 private:
     void setupView();
@@ -95,7 +97,8 @@ private:
     void setupColors();
     void checkAuthorization();
     void cameraDenied();
-    void captureOutput(const QImage &frame);
+    void captureOutput(const VextilCameraFrame &frame);
+    void startSource();
     void showFrame(const QImage &frame);
     void onGuiThread(std::function<void()> work);
 
@@ -108,6 +111,7 @@ private:
     std::unique_ptr<VextilFrameSource> m_source;
     std::unique_ptr<VextilCaptureQueue> m_captureQueue;
     std::atomic<bool> m_isPresentingTutorial{false};
+    bool m_captureActive = false;  // between starting the camera and the end of the capture
     QPointer<QMessageBox> m_alert;
     std::atomic<qint64> m_firstNeutralNs{0};
     std::atomic<qint64> m_completedNs{0};

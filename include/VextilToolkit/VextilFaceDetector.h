@@ -21,8 +21,11 @@ public:
     virtual ~VextilFaceDetector();
 
     /// Faces in the image, the most prominent (largest) first; empty when there is none or the
-    /// image is null.
+    /// image is null. Implementations may throw; callers go through detect().
     virtual QList<VextilFaceFeature> featuresInImage(const QImage &image) = 0;
+    /// featuresInImage() behind a boundary: whatever it throws is caught and logged (once per
+    /// kind of failure), and the image counts as showing no face. What the face capture model calls.
+    QList<VextilFaceFeature> detect(const QImage &image) noexcept;
 
     /// The detector of the preferred kind. The learned one falls back to the cascade one, with
     /// one warning, when its models cannot be loaded.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <VextilToolkit/VextilCameraFrame.h>
 #include <VextilToolkit/VextilToolkitExport.h>
 
 #include <QImage>
@@ -9,10 +10,11 @@
 #include <memory>
 
 /// Where camera frames come from: the front camera, or a video file standing in for it. Frames
-/// are converted once, here, and delivered as Format_RGB32 images on the source's own thread.
+/// are delivered on the source's own thread, with their rotation and mirroring, and their pixels
+/// are converted only when the capture keeps them.
 class VEXTIL_EXPORT VextilFrameSource {
 public:
-    using FrameHandler = std::function<void(const QImage &frame)>;
+    using FrameHandler = std::function<void(const VextilCameraFrame &frame)>;
 
     virtual ~VextilFrameSource();
     /// Receives every frame; set before start().
@@ -33,7 +35,7 @@ public:
     static std::unique_ptr<VextilFrameSource> createDefault();
 
 protected:
-    void deliver(const QImage &frame) const
+    void deliver(const VextilCameraFrame &frame) const
     {
         if (m_handler)
             m_handler(frame);

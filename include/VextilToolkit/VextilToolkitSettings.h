@@ -31,6 +31,12 @@ public:
     std::shared_ptr<VextilColorScheme> getColorScheme() const;
     std::shared_ptr<VextilColorScheme> colorScheme() const { return getColorScheme(); }
 
+    /// Whether the camera screen shows its picture mirrored, as a selfie camera's preview is (true
+    /// by default). Stored and uploaded images are never mirrored: they show what the other side
+    /// sees. Read when a camera screen is built.
+    void setMirrorsPreview(bool mirrors);
+    bool mirrorsPreview() const;
+
     /// Draws the tutorial without a blur (black at 75% opacity) for users who ask for reduced
     /// transparency. Qt exposes no such system preference, so it is off until the host sets it.
     void setReduceTransparency(bool reduce);
@@ -42,4 +48,5 @@ private:
     std::optional<QString> m_authKey;
     std::shared_ptr<VextilColorScheme> m_colorScheme;
     bool m_reduceTransparency = false;
+    bool m_mirrorsPreview = true;
 };

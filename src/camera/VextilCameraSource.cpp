@@ -2,6 +2,7 @@
 
 #include <VextilToolkit/VextilImageBuffer.h>
 
+#include "camera/VextilCameraFormatChoice.h"
 #include "camera/VextilVideoFrameMapping.h"
 
 #include <QCamera>
@@ -24,26 +25,26 @@ VextilCameraSource::VextilCameraSource() : m_device(chooseDevice())
     if (m_device.isNull())
         return;
     m_camera = std::make_unique<QCamera>(m_device);
-    // The highest-resolution format the device offers, as a high-quality preset would pick.
-    QCameraFormat best;
-    for (const QCameraFormat &format : m_device.videoFormats())
-        if (best.isNull() || format.resolution().width() * format.resolution().height()
-                                 > best.resolution().width() * best.resolution().height())
-            best = format;
-    if (!best.isNull())
-        m_camera->setCameraFormat(best);
+    const QList<QCameraFormat> formats = m_device.videoFormats();
+    QList<VextilCameraFormatChoice::Format> offered;
+    for (const QCameraFormat &format : formats)
+        offered.append({format.resolution(), format.maxFrameRate(),
+                        VextilVideoFrameMapping::isDirectFormat(format.pixelFormat())});
+    if (const int chosen = VextilCameraFormatChoice::choose(offered); chosen >= 0)
+        m_camera->setCameraFormat(formats[chosen]);
     if (m_camera->isFocusModeSupported(QCamera::FocusModeAuto))
         m_camera->setFocusMode(QCamera::FocusModeAuto);
     m_session = std::make_unique<QMediaCaptureSession>();
     m_sink = std::make_unique<QVideoSink>();
     m_session->setCamera(m_camera.get());
     m_session->setVideoSink(m_sink.get());
-    // Converted once, here, on whatever thread the sink delivers from.
+    // Handed on as it is, on whatever thread the sink delivers from: the frame is mapped and
+    // copied only if the capture keeps it.
     QObject::connect(m_sink.get(), &QVideoSink::videoFrameChanged, m_sink.get(), [this](const QVideoFrame &frame) {
-        const VextilVideoFrameMapping mapping(frame);
-        const QImage image = VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
-        if (!image.isNull())
-            deliver(image);
+        deliver(VextilCameraFrame(frame.size(), [frame] {
+            const VextilVideoFrameMapping mapping(frame);
+            return VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
+        }, int(frame.rotationAngle()), frame.mirrored()));
     }, Qt::DirectConnection);
 }
 

@@ -2,7 +2,7 @@
 
 #include <QElapsedTimer>
 
-VextilCaptureQueue::VextilCaptureQueue(std::function<void(const QImage &)> handler, QObject *parent)
+VextilCaptureQueue::VextilCaptureQueue(std::function<void(const VextilCameraFrame &)> handler, QObject *parent)
     : QThread(parent), m_handler(std::move(handler))
 {
     setObjectName(QStringLiteral("capture_session_queue"));
@@ -10,7 +10,7 @@ VextilCaptureQueue::VextilCaptureQueue(std::function<void(const QImage &)> handl
 
 VextilCaptureQueue::~VextilCaptureQueue() { shutdown(); }
 
-void VextilCaptureQueue::post(const QImage &frame)
+void VextilCaptureQueue::post(const VextilCameraFrame &frame)
 {
     {
         std::lock_guard lock(m_mutex);
@@ -55,7 +55,7 @@ void VextilCaptureQueue::run()
 {
     for (;;) {
         QList<std::function<void()>> work;
-        QImage frame;
+        VextilCameraFrame frame;
         {
             std::unique_lock lock(m_mutex);
             m_wake.wait(lock, [this] { return m_stopping || m_pending || !m_work.isEmpty(); });
@@ -77,7 +77,7 @@ void VextilCaptureQueue::run()
     }
 }
 
-void VextilCaptureQueue::analyse(const QImage &frame)
+void VextilCaptureQueue::analyse(const VextilCameraFrame &frame)
 {
     QElapsedTimer timer;
     timer.start();

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <VextilToolkit/VextilCameraFrame.h>
 #include <VextilToolkit/VextilCaptureStats.h>
 
-#include <QImage>
 #include <QList>
 #include <QThread>
 
@@ -19,12 +19,12 @@ class VextilCaptureQueue : public QThread {
     Q_OBJECT
 public:
     /// The handler runs on the queue's thread for every frame taken.
-    explicit VextilCaptureQueue(std::function<void(const QImage &)> handler, QObject *parent = nullptr);
+    explicit VextilCaptureQueue(std::function<void(const VextilCameraFrame &)> handler, QObject *parent = nullptr);
     /// Stops the thread after the frame in hand, dropping a waiting one.
     ~VextilCaptureQueue() override;
 
     /// Offers a frame; any thread, never blocks on the analysis.
-    void post(const QImage &frame);
+    void post(const VextilCameraFrame &frame);
     /// Queues work to run on the queue's thread; any thread. Work still waiting at shutdown is dropped.
     void dispatch(std::function<void()> work);
     /// Stops taking frames and waits for the thread.
@@ -36,12 +36,12 @@ protected:
     void run() override;
 
 private:
-    void analyse(const QImage &frame);
+    void analyse(const VextilCameraFrame &frame);
 
-    std::function<void(const QImage &)> m_handler;
+    std::function<void(const VextilCameraFrame &)> m_handler;
     mutable std::mutex m_mutex;
     std::condition_variable m_wake;
-    std::optional<QImage> m_pending;
+    std::optional<VextilCameraFrame> m_pending;
     QList<std::function<void()>> m_work;
     bool m_stopping = false;
     VextilCaptureStats m_stats;

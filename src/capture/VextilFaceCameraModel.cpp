@@ -63,7 +63,7 @@ void VextilFaceCameraModel::processFace(const QImage &image)
     if (!m_isProcessing.compare_exchange_strong(idle, true))
         return;
     const QList<VextilFaceFeature> features =
-        m_faceDetector ? m_faceDetector->featuresInImage(image) : QList<VextilFaceFeature>();
+        m_faceDetector ? m_faceDetector->detect(image) : QList<VextilFaceFeature>();
     // The guard covers detection only, not the state logic that follows.
     m_isProcessing = false;
 

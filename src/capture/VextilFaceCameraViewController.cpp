@@ -1,8 +1,10 @@
 #include <VextilToolkit/VextilFaceCameraViewController.h>
 
 #include <VextilToolkit/VextilCameraAuthorization.h>
+#include <VextilToolkit/VextilToolkitSettings.h>
 
 #include "camera/VextilCaptureQueue.h"
+#include "camera/VextilUprightFrame.h"
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBoxView.h"
 #include "core/VextilMainQueue.h"
@@ -12,8 +14,6 @@
 #include "ui/VextilFrame.h"
 
 #include <QCoreApplication>
-#include <QGraphicsOpacityEffect>
-#include <QPropertyAnimation>
 #include <QPushButton>
 
 namespace {
@@ -40,6 +40,13 @@ void VextilFaceCameraViewController::hideEvent(QHideEvent *)
 {
     if (m_source)
         m_source->stop();
+}
+
+void VextilFaceCameraViewController::showEvent(QShowEvent *)
+{
+    // Back from a minimised window or another desktop: the capture goes on where it was.
+    if (m_captureActive && !isBeingDismissed())
+        startSource();
 }
 
 void VextilFaceCameraViewController::setModel(VextilFaceCameraModel *model)
@@ -76,8 +83,14 @@ void VextilFaceCameraViewController::viewWillAppear(bool animated)
     VextilBaseViewController::viewWillAppear(animated);
     m_model->resetState();
     setupColors();
-    startCamera();
-    checkAuthorization();
+    // A moment later, and only if the screen is staying: when the flow closes, the review goes
+    // first and this screen appears again just before it is dismissed itself.
+    onGuiThread([this] {
+        if (isBeingDismissed())
+            return;
+        startCamera();
+        checkAuthorization();
+    });
 }
 
 void VextilFaceCameraViewController::viewDidAppear(bool)
@@ -91,6 +104,7 @@ void VextilFaceCameraViewController::setupView()
     connect(m_navigationView->helpButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::presentTutorialPopUp);
     connect(m_navigationView->backButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::didCancel);
     m_faceCameraView = new VextilFaceCameraView(this);
+    m_faceCameraView->videoPreviewLayer()->setMirrored(VextilToolkitSettings::sharedInstance()->mirrorsPreview());
     m_faceProgressBoxView = new VextilFaceProgressBoxView(this);
     m_faceProgressBoxView->updateInstructionsLabelWithText(m_model->getFirstMessageText());
 }
@@ -121,26 +135,35 @@ void VextilFaceCameraViewController::setupCamera()
 {
     if (!m_source)
         m_source = VextilFrameSource::createDefault();
-    m_captureQueue = std::make_unique<VextilCaptureQueue>([this](const QImage &frame) { captureOutput(frame); });
+    m_captureQueue = std::make_unique<VextilCaptureQueue>([this](const VextilCameraFrame &frame) { captureOutput(frame); });
     m_captureQueue->start();
-    // The preview and the analysis each take the newest frame; late ones are dropped.
+    // Only the newest frame waits; a frame is converted once it is taken for analysis.
     VextilCaptureQueue *queue = m_captureQueue.get();
-    m_source->setFrameHandler([this, queue](const QImage &frame) {
-        showFrame(frame);
-        queue->post(frame);
-    });
+    m_source->setFrameHandler([queue](const VextilCameraFrame &frame) { queue->post(frame); });
 }
 
 void VextilFaceCameraViewController::startCamera()
 {
-    if (m_source)
+    m_captureActive = true;
+    startSource();
+}
+
+void VextilFaceCameraViewController::startSource()
+{
+    if (m_source && isVisible() && !m_source->isRunning())
         m_source->start();
 }
 
-void VextilFaceCameraViewController::captureOutput(const QImage &frame)
+void VextilFaceCameraViewController::captureOutput(const VextilCameraFrame &frame)
 {
-    if (!m_isPresentingTutorial && m_model)
-        m_model->processFace(frame);
+    if (m_isPresentingTutorial || !m_model)
+        return;  // ignored, so never converted
+    // What the user sees is what the model judges and the store keeps: upright, cropped to the view.
+    const QImage upright = VextilUprightFrame::image(frame, m_model->viewSize());
+    if (upright.isNull())
+        return;
+    showFrame(upright);
+    m_model->processFace(upright);
 }
 
 void VextilFaceCameraViewController::showFrame(const QImage &frame)
@@ -257,20 +280,7 @@ void VextilFaceCameraViewController::presentTutorialPopUp()
             self->m_isPresentingTutorial = false;
     });
     tutorial->setGeometry(rect());
-    const qreal shown = tutorial->alpha();  // 0.75 with reduced transparency
-    auto *fade = new QGraphicsOpacityEffect(tutorial);
-    fade->setOpacity(0);
-    tutorial->setGraphicsEffect(fade);
-    tutorial->show();
-    tutorial->raise();
-    auto *appear = new QPropertyAnimation(fade, "opacity", tutorial);
-    appear->setDuration(100);
-    appear->setEndValue(shown);
-    connect(appear, &QPropertyAnimation::finished, tutorial, [tutorial, shown] {
-        if (shown >= 1.0)
-            tutorial->setGraphicsEffect(nullptr);  // fully shown: draw without the effect
-    });
-    appear->start(QAbstractAnimation::DeleteWhenStopped);
+    tutorial->fadeIn(100);
 }
 
 void VextilFaceCameraViewController::dismissController(bool success)
@@ -279,6 +289,7 @@ void VextilFaceCameraViewController::dismissController(bool success)
         m_completedNs = nowNs();
     QPointer<VextilFaceCameraViewController> self(this);
     VextilMainQueue::dispatchAsync(this, [self, success] {
+        self->m_captureActive = false;
         if (self->m_source)
             self->m_source->stop();
         if (self->m_model)

@@ -13,6 +13,12 @@ void VextilVideoPreview::setFrame(const QImage &frame)
     update();
 }
 
+void VextilVideoPreview::setMirrored(bool mirrored)
+{
+    m_mirrored = mirrored;
+    update();
+}
+
 void VextilVideoPreview::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
@@ -23,5 +29,7 @@ void VextilVideoPreview::paintEvent(QPaintEvent *)
     const QSizeF filled = QSizeF(shown.size()).scaled(size(), Qt::KeepAspectRatioByExpanding);
     const QRectF target(QPointF((width() - filled.width()) / 2, (height() - filled.height()) / 2), filled);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    if (m_mirrored)
+        painter.setTransform(QTransform(-1, 0, 0, 1, width(), 0));
     painter.drawImage(target, shown);
 }

@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)
+Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)  // defined with the cascade detector
 
 VextilLearnedFaceDetector::VextilLearnedFaceDetector(float smileThreshold) : m_smileThreshold(smileThreshold) {}
 

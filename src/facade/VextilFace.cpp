@@ -38,10 +38,39 @@ void VextilFace::requestFace(CaptureCallback callback)
     presentCameraView();
 }
 
+QWidget *VextilFace::topMost(QWidget *root)
+{
+    // A host's modal dialog is what the user sees: the flow starts over it.
+    if (QWidget *modal = QApplication::activeModalWidget();
+        modal && modal->isVisible() && !qobject_cast<VextilBaseViewController *>(modal)
+        && (!root || modal->window() != root->window()))
+        root = modal;
+    // Up the screens presented over it; a chain never holds a screen twice, but a walk that
+    // met one again would stop rather than go round for ever.
+    QList<QWidget *> seen;
+    while (VextilBaseViewController *presented = VextilBaseViewController::presentedViewControllerOf(root)) {
+        if (seen.contains(presented))
+            break;
+        seen.append(root);
+        root = presented;
+    }
+    return root;
+}
+
+bool VextilFace::isFlowOnShow() const
+{
+    const auto shown = [](const QWidget *screen) { return screen && !screen->isHidden(); };
+    return shown(m_faceCameraViewController) || shown(m_confirmController);
+}
+
 void VextilFace::presentCameraView()
 {
+    // One flow at a time: a repeated request only replaced the callback, which gets the result
+    // of the flow that is open (or closing). The flow goes on where it is; its screen is shown
+    // again only when it is not on show.
+    if (m_closing || (m_faceCameraViewController && isFlowOnShow()))
+        return;
     if (m_faceCameraViewController) {
-        // A flow is still open: its data goes and its screen is shown again.
         if (m_faceCameraViewController->model())
             m_faceCameraViewController->model()->clearData();
     } else {
@@ -50,8 +79,7 @@ void VextilFace::presentCameraView()
         if (m_frameSourceFactory)
             m_faceCameraViewController->setFrameSource(m_frameSourceFactory());
     }
-    while (VextilBaseViewController *presented = VextilBaseViewController::presentedViewControllerOf(m_rootController))
-        m_rootController = presented;
+    m_rootController = topMost(m_rootController);
     m_faceCameraViewController->setPresentTutorial(m_presentTutorial);
     m_faceCameraViewController->setDelegate(this);
     if (!m_rootController) {
@@ -64,6 +92,8 @@ void VextilFace::presentCameraView()
 
 void VextilFace::didFinishedCaptureWithSuccess(bool success)
 {
+    if (!m_faceCameraViewController || m_closing)
+        return;  // no flow to report on
     if (success)
         presentConfirmView();
     else
@@ -72,6 +102,8 @@ void VextilFace::didFinishedCaptureWithSuccess(bool success)
 
 void VextilFace::presentConfirmView()
 {
+    if (!m_faceCameraViewController || m_closing)
+        return;  // the review lies on the camera screen, which is not there
     if (!m_confirmController) {
         m_confirmController = new VextilConfirmController;
         m_confirmController->setModel(new VextilConfirmModel);
@@ -83,6 +115,8 @@ void VextilFace::presentConfirmView()
 
 void VextilFace::didFinishedConfirmWithSuccess(bool success)
 {
+    if (!m_faceCameraViewController || m_closing)
+        return;
     if (success)
         dismissCamerControlerWithResult(true, std::nullopt);
     else
@@ -91,6 +125,10 @@ void VextilFace::didFinishedConfirmWithSuccess(bool success)
 
 void VextilFace::dismissCamerControlerWithResult(bool result, std::optional<VextilError> error)
 {
+    // Outside a flow, or while one is closing, there is nothing to close and nobody to tell.
+    if (!m_faceCameraViewController || m_closing)
+        return;
+    m_closing = true;
     const auto close = [this, result, error] {
         // Drop the screens first, then tell the host, exactly once per flow.
         if (m_faceCameraViewController)
@@ -100,10 +138,11 @@ void VextilFace::dismissCamerControlerWithResult(bool result, std::optional<Vext
         m_faceCameraViewController = nullptr;
         m_rootController = nullptr;
         m_confirmController = nullptr;
+        m_closing = false;
         if (m_imageResult)
             m_imageResult(result, error);
     };
-    if (m_faceCameraViewController && m_faceCameraViewController->isVisible())
+    if (m_faceCameraViewController->isVisible())
         m_faceCameraViewController->dismissViewControllerAnimated(true, close);
     else
         close();

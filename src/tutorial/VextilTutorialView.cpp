@@ -216,25 +216,60 @@ qreal VextilTutorialView::alpha() const
     return opacity ? opacity->opacity() : 1.0;
 }
 
+VextilTutorialView::~VextilTutorialView()
+{
+    // The fades die with this view; their ends must not call into it while it is half gone.
+    for (QPropertyAnimation *fade : {m_fadeIn.data(), m_fadeOut.data()})
+        if (fade)
+            disconnect(fade, nullptr, this, nullptr);
+}
+
+void VextilTutorialView::fadeIn(int durationMs)
+{
+    const qreal shown = alpha();  // 0.75 with reduced transparency
+    auto *opacity = new QGraphicsOpacityEffect(this);
+    opacity->setOpacity(0);
+    setGraphicsEffect(opacity);
+    show();
+    raise();
+    m_fadeIn = new QPropertyAnimation(opacity, "opacity", this);
+    m_fadeIn->setDuration(durationMs);
+    m_fadeIn->setEndValue(shown);
+    connect(m_fadeIn, &QPropertyAnimation::finished, this, [this, shown] {
+        if (shown >= 1.0 && !m_closing)
+            setGraphicsEffect(nullptr);  // fully shown: draw without the effect
+    });
+    m_fadeIn->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
 void VextilTutorialView::didTappedNextButton()
 {
     if (std::exchange(m_closing, true))
         return;
+    if (m_fadeIn)
+        m_fadeIn->stop();  // a fade-in still running gives way; the fade-out starts where it was
     auto *opacity = qobject_cast<QGraphicsOpacityEffect *>(graphicsEffect());
     if (!opacity) {
         opacity = new QGraphicsOpacityEffect(this);
         opacity->setOpacity(1.0);
         setGraphicsEffect(opacity);
     }
-    auto *fade = new QPropertyAnimation(opacity, "opacity", this);
-    fade->setDuration(kFadeMs);
-    fade->setEndValue(0.0);
-    connect(fade, &QPropertyAnimation::finished, this, [this] {
-        hide();
-        setParent(nullptr);  // leaves the screen it covered
-        if (m_completionHandler)
-            m_completionHandler();
-        deleteLater();
-    });
-    fade->start(QAbstractAnimation::DeleteWhenStopped);
+    m_fadeOut = new QPropertyAnimation(opacity, "opacity", this);
+    m_fadeOut->setDuration(kFadeMs);
+    m_fadeOut->setEndValue(0.0);
+    // However the fade ends (finished, stopped, or its effect gone), the animation is deleted:
+    // that is when the pop-up goes.
+    connect(m_fadeOut, &QObject::destroyed, this, &VextilTutorialView::finishClosing);
+    m_fadeOut->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void VextilTutorialView::finishClosing()
+{
+    if (std::exchange(m_closed, true))
+        return;
+    hide();
+    setParent(nullptr);  // leaves the screen it covered
+    if (m_completionHandler)
+        m_completionHandler();
+    deleteLater();
 }

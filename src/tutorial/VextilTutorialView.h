@@ -4,6 +4,8 @@
 #include "ui/VextilImageView.h"
 
 #include <QLabel>
+#include <QPointer>
+#include <QPropertyAnimation>
 #include <QWidget>
 
 #include <functional>
@@ -16,6 +18,7 @@ class VextilTutorialView : public QWidget {
     Q_OBJECT
 public:
     explicit VextilTutorialView(QWidget *parent = nullptr);
+    ~VextilTutorialView() override;
 
     VextilImageView *topLeftIconImageView() const { return m_icons[0]; }
     VextilImageView *topRightIconImageView() const { return m_icons[1]; }
@@ -30,10 +33,13 @@ public:
     QLabel *bottomRightTipLabel() const { return m_labels[3]; }
     VextilButton *nextButton() const { return m_nextButton; }
 
-    /// Called once, after the pop-up has faded out and left its parent.
+    /// Called exactly once, after the pop-up has faded out and left its parent.
     void setCompletionHandler(std::function<void()> handler) { m_completionHandler = std::move(handler); }
+    /// Shows the pop-up, fading it in to its opacity over `durationMs`.
+    void fadeIn(int durationMs);
     /// Fades the pop-up out over 0.25 s, removes it and calls the completion handler; the
-    /// next button's action. Only the first call counts.
+    /// next button's action. Only the first call counts; a fade-in still running is cut short,
+    /// and a fade-out that is interrupted still closes the pop-up.
     void didTappedNextButton();
 
     /// Opacity of the whole pop-up (0.75 with reduced transparency).
@@ -50,6 +56,8 @@ protected:
     void paintEvent(QPaintEvent *) override;
 
 private:
+    void finishClosing();
+
     QWidget *m_blur = nullptr;
     QWidget *m_content = nullptr;
     VextilImageView *m_icons[4] = {};
@@ -58,4 +66,6 @@ private:
     std::function<void()> m_completionHandler;
     bool m_reduceTransparency = false;
     bool m_closing = false;
+    bool m_closed = false;
+    QPointer<QPropertyAnimation> m_fadeIn, m_fadeOut;
 };

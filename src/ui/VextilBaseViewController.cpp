@@ -34,7 +34,7 @@ VextilBaseViewController *VextilBaseViewController::presentedViewControllerOf(QW
     if (!presenter || !presenter->window())
         return nullptr;
     for (auto *screen : presenter->window()->findChildren<VextilBaseViewController *>(Qt::FindDirectChildrenOnly))
-        if (screen->m_presenting == presenter && screen->isVisible())
+        if (screen->m_presenting == presenter && !screen->isHidden())  // on show, even in a hidden window
             return screen;
     return nullptr;
 }
@@ -53,8 +53,11 @@ void VextilBaseViewController::presentViewController(VextilBaseViewController *c
 void VextilBaseViewController::present(QWidget *presenter, VextilBaseViewController *controller, bool animated,
                                        std::function<void()> completion)
 {
-    if (!presenter || !controller)
+    if (!presenter || !controller || controller == presenter || controller->isAncestorOf(presenter)
+        || controller->presentsAbove(presenter))
         return;
+    if (controller->m_presenting && !controller->isHidden() && !controller->m_beingDismissed)
+        return;  // already on show: presenting it again would stack it over itself
     // A screen covers the presenter's whole window and follows its size.
     QWidget *window = presenter->window();
     controller->m_presenting = presenter;
@@ -72,8 +75,19 @@ void VextilBaseViewController::loadViewIfNeeded()
     }
 }
 
+bool VextilBaseViewController::presentsAbove(const QWidget *widget) const
+{
+    // Whether `widget` lies in the chain of screens this one presented; the chain is short and
+    // cannot loop, since a screen is never presented over one above it.
+    for (auto *screen = presentedViewController(); screen; screen = screen->presentedViewController())
+        if (screen == widget)
+            return true;
+    return false;
+}
+
 void VextilBaseViewController::appear(bool animated, std::function<void()> completion)
 {
+    m_beingDismissed = false;
     loadViewIfNeeded();
     viewWillAppear(animated);
     show();
@@ -116,6 +130,7 @@ void VextilBaseViewController::dismissViewControllerAnimated(bool animated, std:
 
 void VextilBaseViewController::disappear(bool animated, std::function<void()> completion)
 {
+    m_beingDismissed = true;
     const auto finish = [this, animated, completion = std::move(completion)] {
         hide();
         if (QWidget *window = parentWidget())

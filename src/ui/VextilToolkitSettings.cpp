@@ -32,3 +32,5 @@ void VextilToolkitSettings::setColorScheme(std::shared_ptr<VextilColorScheme> co
 std::shared_ptr<VextilColorScheme> VextilToolkitSettings::getColorScheme() const { return readLocked(m_mutex, m_colorScheme); }
 void VextilToolkitSettings::setReduceTransparency(bool reduce) { writeLocked(m_mutex, m_reduceTransparency, reduce); }
 bool VextilToolkitSettings::isReduceTransparencyEnabled() const { return readLocked(m_mutex, m_reduceTransparency); }
+void VextilToolkitSettings::setMirrorsPreview(bool mirrors) { writeLocked(m_mutex, m_mirrorsPreview, mirrors); }
+bool VextilToolkitSettings::mirrorsPreview() const { return readLocked(m_mutex, m_mirrorsPreview); }

@@ -1,0 +1,43 @@
+#include "camera/VextilUprightFrame.h"
+
+#include <QTransform>
+
+#include <cmath>
+
+QRect VextilUprightFrame::visibleRegion(QSize upright, QSizeF viewSize)
+{
+    if (viewSize.width() <= 0 || viewSize.height() <= 0 || upright.isEmpty())
+        return QRect(QPoint(0, 0), upright);
+    const double viewAspect = viewSize.width() / viewSize.height();
+    int width = upright.width(), height = upright.height();
+    if (double(width) / height > viewAspect)
+        width = std::max(1, int(std::lround(height * viewAspect)));  // wider than the view: sides go
+    else
+        height = std::max(1, int(std::lround(width / viewAspect)));  // taller: top and bottom go
+    return QRect((upright.width() - width) / 2, (upright.height() - height) / 2, width, height);
+}
+
+QRect VextilUprightFrame::storedRegion(QRect r, QSize stored, int rotation)
+{
+    // Each case inverts a clockwise quarter turn of the stored picture.
+    switch (rotation) {
+    case 90: return QRect(r.y(), stored.height() - r.x() - r.width(), r.height(), r.width());
+    case 180: return QRect(stored.width() - r.x() - r.width(), stored.height() - r.y() - r.height(), r.width(), r.height());
+    case 270: return QRect(stored.width() - r.y() - r.height(), r.x(), r.height(), r.width());
+    default: return r;
+    }
+}
+
+QImage VextilUprightFrame::image(const VextilCameraFrame &frame, QSizeF viewSize)
+{
+    const QImage stored = frame.image();
+    if (stored.isNull())
+        return {};
+    const int rotation = frame.rotation();
+    const QSize upright = rotation % 180 ? stored.size().transposed() : stored.size();
+    const QRect visible = visibleRegion(upright, viewSize);
+    if (rotation == 0 && visible.size() == stored.size())
+        return stored;
+    const QImage region = stored.copy(storedRegion(visible, stored.size(), rotation));
+    return rotation == 0 ? region : region.transformed(QTransform().rotate(rotation));
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <VextilToolkit/VextilCameraFrame.h>
+
+#include <QImage>
+#include <QRect>
+#include <QSizeF>
+
+/// What the camera screen shows, analyses and stores of a camera frame: the frame turned upright
+/// by its rotation, cropped to the middle region that a view of the given size shows when the
+/// frame fills it. Only that region is copied and turned. Mirroring is left to the display.
+class VextilUprightFrame {
+public:
+    /// The upright, cropped picture; a null image for a null frame. An empty view crops nothing.
+    static QImage image(const VextilCameraFrame &frame, QSizeF viewSize);
+    /// The region of an upright picture of `upright` size that a view of `viewSize` shows when
+    /// the picture fills it, keeping its aspect: the middle, as wide or as tall as the picture.
+    static QRect visibleRegion(QSize upright, QSizeF viewSize);
+    /// The same region of pixels before a clockwise turn of `rotation` degrees, in a stored
+    /// picture of `stored` size.
+    static QRect storedRegion(QRect upright, QSize stored, int rotation);
+};
