@@ -3,11 +3,14 @@
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBar.h"
 #include "capture/VextilFaceProgressBoxView.h"
+#include "capture/VextilVideoPreview.h"
+#include "tutorial/VextilTutorialFace.h"
 
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
 namespace {
@@ -39,15 +42,57 @@ TEST(FaceCameraView, StartsWhiteAndEachToggleSwapsTheFrames)
     EXPECT_TRUE(view.popupLabel()->isHidden());
 }
 
-// A camera that delivers nothing: the test plays the capture thread itself.
+// A camera that delivers only what the test hands it.
 class SilentSource : public VextilFrameSource {
 public:
+    void push(const VextilCameraFrame &frame) { deliver(frame); }
     void start() override {}
     void stop() override {}
     bool isRunning() const override { return false; }
     QString description() const override { return QStringLiteral("silent"); }
     bool isAvailable() const override { return true; }
 };
+
+TEST(FaceCameraScreen, ConvertsOnlyTheFramesItAnalysesAndNoneUnderTheTutorial)
+{
+    QWidget host;
+    host.resize(390, 844);
+    host.show();
+    auto *camera = new VextilFaceCameraViewController;
+    auto source = std::make_unique<SilentSource>();
+    SilentSource *feed = source.get();
+    camera->setFrameSource(std::move(source));
+    VextilBaseViewController::present(&host, camera, false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return camera->isVisible(); }, 2000));
+    std::atomic<int> conversions{0};
+    const auto lazyFrame = [&] {
+        return VextilCameraFrame(QSize(1280, 720), [&] {
+            ++conversions;
+            QImage image(1280, 720, QImage::Format_RGB32);
+            image.fill(Qt::darkGray);
+            return image;
+        });
+    };
+    ASSERT_TRUE(camera->isPresentingTutorial());
+    for (int i = 0; i < 5; ++i)
+        feed->push(lazyFrame());
+    ASSERT_TRUE(QTest::qWaitFor([&] { const auto s = camera->captureStats(); return s.analysed + s.dropped == 5; }, 5000));
+    EXPECT_EQ(conversions, 0) << "ignored under the tutorial";
+    const int analysedUnderTutorial = camera->captureStats().analysed;
+
+    Q_EMIT camera->findChild<VextilTutorialFace *>()->nextButton()->pressed();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !camera->isPresentingTutorial(); }, 2000));
+    for (int i = 0; i < 30; ++i)
+        feed->push(lazyFrame());
+    ASSERT_TRUE(QTest::qWaitFor([&] { const auto s = camera->captureStats(); return s.analysed + s.dropped == 35; }, 5000));
+    EXPECT_GT(conversions, 0);
+    EXPECT_EQ(conversions, camera->captureStats().analysed - analysedUnderTutorial)
+        << "each analysed frame once, dropped ones never";
+    const QImage shown = camera->faceCameraView()->videoPreviewLayer()->frame();
+    EXPECT_EQ(shown.size(), QSize(454, 720)) << "the preview shows the region the view shows";
+    EXPECT_TRUE(camera->faceCameraView()->videoPreviewLayer()->isMirrored()) << "a selfie preview";
+    delete camera;
+}
 
 TEST(FaceCameraScreen, CarriesTheModelsCallsFromTheCaptureThreadToItsViewsInCallOrder)
 {

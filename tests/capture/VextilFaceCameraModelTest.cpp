@@ -8,6 +8,9 @@
 #include <QTranslator>
 
 #include <gtest/gtest.h>
+#include <opencv2/core.hpp>
+
+#include <stdexcept>
 
 #include <thread>
 
@@ -74,6 +77,28 @@ TEST_F(FaceCameraModelTest, ResetRunsOnTheStateQueueWhereFramesAreAnalysed)
     EXPECT_EQ(neutralCount(), 0);
     EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
     EXPECT_TRUE(delegate.calls().contains("message:Looking for face"));
+}
+
+TEST_F(FaceCameraModelTest, ADetectorThatThrowsSeesNoFaceAndTheCaptureGoesOn)
+{
+    collectNeutral();
+    ASSERT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
+    for (const std::function<void()> &failure : std::initializer_list<std::function<void()>>{
+             [] { throw std::runtime_error("model file damaged"); },
+             [] {
+                 cv::Mat a(2, 2, CV_8UC1), b(3, 3, CV_8UC1);
+                 cv::add(a, b, a);  // sizes differ: OpenCV throws
+             },
+             [] { throw 42; }}) {
+        detector->duringDetection = failure;
+        feed(5, Face::Neutral);
+        feed(5.1, Face::Neutral);
+    }
+    detector->duringDetection = nullptr;
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace) << "frames without a face, as for no face";
+    EXPECT_EQ(neutralCount(), 0);
+    feed(6, Face::Neutral);
+    EXPECT_EQ(neutralCount(), 1) << "and the next good frame counts";
 }
 
 TEST_F(FaceCameraModelTest, NearEnoughIsStrictlyBetweenFortyAndEightyThreePercentOfTheView)

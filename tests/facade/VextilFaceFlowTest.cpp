@@ -1,12 +1,16 @@
 #include <VextilToolkit/VextilCameraAuthorization.h>
 #include <VextilToolkit/VextilFace.h>
+#include <VextilToolkit/VextilVideoFileReader.h>
 #include <VextilToolkit/VextilVideoFileSource.h>
 
 #include "ReferenceServer.h"
+#include "capture/VextilFaceCameraView.h"
 #include "review/VextilConfirmView.h"
 #include "tutorial/VextilTutorialFace.h"
 #include "ui/NavigationBarView.h"
 
+#include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QMessageBox>
 #include <QPushButton>
@@ -14,7 +18,69 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 namespace {
+
+// A camera stand-in around a video file that counts how often it is started.
+class CountingSource : public VextilFrameSource {
+public:
+    CountingSource(QString clip, std::atomic<int> &starts) : m_file(std::move(clip), true), m_starts(starts)
+    {
+        m_file.setFrameHandler([this](const VextilCameraFrame &frame) { deliver(frame); });
+    }
+    void start() override
+    {
+        ++m_starts;
+        m_file.start();
+    }
+    void stop() override { m_file.stop(); }
+    bool isRunning() const override { return m_file.isRunning(); }
+    QString description() const override { return m_file.description(); }
+    bool isAvailable() const override { return m_file.isAvailable(); }
+
+private:
+    VextilVideoFileSource m_file;
+    std::atomic<int> &m_starts;
+};
+
+// A sensor mounted sideways: the portrait clip's frames stored turned a quarter anticlockwise,
+// each marked with the clockwise quarter turn that makes it upright again.
+class SidewaysSource : public VextilFrameSource {
+public:
+    ~SidewaysSource() override { stop(); }
+    void start() override
+    {
+        stop();
+        m_running = true;
+        m_thread = std::thread([this] {
+            VextilVideoFileReader reader;
+            reader.open(VEXTIL_SELFIE_CLIP);
+            const auto started = std::chrono::steady_clock::now();
+            while (m_running) {
+                auto frame = reader.readFrame();
+                if (!frame && (!reader.rewind() || !(frame = reader.readFrame())))
+                    return;
+                std::this_thread::sleep_until(started + std::chrono::milliseconds(frame->index * 1000 / 15));
+                deliver(VextilCameraFrame(frame->image.transformed(QTransform().rotate(-90)), 90));
+            }
+        });
+    }
+    void stop() override
+    {
+        m_running = false;
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+    bool isRunning() const override { return m_running; }
+    QString description() const override { return QStringLiteral("sideways sensor"); }
+    bool isAvailable() const override { return true; }
+
+private:
+    std::atomic<bool> m_running{false};
+    std::thread m_thread;
+};
 
 // The whole flow on the offscreen platform: the sample clip, looping, stands in for the camera.
 class FaceFlowTest : public ::testing::Test {
@@ -208,6 +274,122 @@ TEST_F(FaceFlowTest, AFailedSendKeepsTheImagesForARetry)
         ASSERT_TRUE(QTest::qWaitFor([&] { return sent == 1; }, 20000));
         EXPECT_EQ(store->getFaceImages() != nullptr, failed) << "kept after a failure, dropped after success";
     }
+}
+
+TEST_F(FaceFlowTest, LandscapeAndSidewaysCamerasGivePortraitImagesOfWhatTheViewShows)
+{
+    const std::pair<const char *, std::function<std::unique_ptr<VextilFrameSource>()>> cameras[] = {
+        {"landscape webcam", [] { return std::make_unique<VextilVideoFileSource>(VEXTIL_CLIP_LANDSCAPE, true); }},
+        {"sideways sensor", [] { return std::make_unique<SidewaysSource>(); }},
+    };
+    for (const auto &[name, factory] : cameras) {
+        SCOPED_TRACE(name);
+        face->setFrameSourceFactory(factory);
+        requestFace();
+        ASSERT_TRUE(waitForReview()) << "the capture did not complete";
+        const QSize view = face->faceCameraViewController()->faceCameraView()->size();
+        auto *store = VextilRepository::sharedInstance();
+        ASSERT_EQ(store->getFaceImages()->size(), 5);
+        ASSERT_EQ(store->getFaceSmileImagess()->size(), 2);
+        for (const QImage &image : *store->getFaceImages() + *store->getFaceSmileImagess()) {
+            EXPECT_GT(image.height(), image.width()) << "portrait";
+            EXPECT_NEAR(double(image.width()) / image.height(), double(view.width()) / view.height(), 0.01)
+                << "the region the view shows";
+        }
+        press(face->confirmController()->confirmView()->acceptButton());
+        ASSERT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController() == nullptr; }, 5000));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    EXPECT_EQ(reports, 2);
+}
+
+TEST_F(FaceFlowTest, TheCameraResumesWhenItsWindowIsShownAgainAndNeverRestartsAsTheFlowCloses)
+{
+    std::atomic<int> starts{0};
+    int statusChecks = 0;
+    VextilCameraAuthorization::setHooks([&] { ++statusChecks; return VextilCameraAuthorization::Authorized; }, {}, {});
+    face->setFrameSourceFactory([&] { return std::make_unique<CountingSource>(VEXTIL_SELFIE_CLIP, starts); });
+    requestFace();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return starts == 1; }, 3000));
+    VextilFaceCameraViewController *camera = face->faceCameraViewController();
+
+    host.hide();  // minimised, or moved to another desktop
+    QTest::qWait(300);
+    const int delivered = camera->captureStats().delivered;
+    QTest::qWait(500);
+    EXPECT_EQ(camera->captureStats().delivered, delivered) << "no frames while hidden";
+    host.show();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return camera->captureStats().delivered > delivered; }, 3000)) << "frames again";
+
+    ASSERT_TRUE(waitForReview());
+    const int startsBefore = starts, checksBefore = statusChecks;
+    press(face->confirmController()->confirmView()->acceptButton());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 1; }, 5000));
+    QTest::qWait(300);
+    EXPECT_EQ(starts, startsBefore) << "closing the flow does not start the camera";
+    EXPECT_EQ(statusChecks, checksBefore) << "nor ask for the permission again";
+}
+
+TEST_F(FaceFlowTest, RepeatedRequestsKeepOneFlowAndEachFlowReportsOnce)
+{
+    // Two and three taps: one camera screen, and only the last callback hears the result.
+    for (int taps : {2, 3}) {
+        SCOPED_TRACE(taps);
+        std::vector<int> heard(size_t(taps), 0);
+        for (int i = 0; i < taps; ++i)
+            face->requestFace([&heard, i](bool, std::optional<VextilError>) { ++heard[size_t(i)]; });
+        ASSERT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController() && face->faceCameraViewController()->isVisible(); }, 3000));
+        EXPECT_EQ(host.findChildren<VextilFaceCameraViewController *>().size(), 1);
+        face->faceCameraViewController()->didCancel();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return heard.back() == 1; }, 5000));
+        QTest::qWait(200);
+        for (int i = 0; i + 1 < taps; ++i)
+            EXPECT_EQ(heard[size_t(i)], 0);
+        EXPECT_EQ(heard.back(), 1);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    // The flow's other steps, called with no flow open, do nothing.
+    face->presentConfirmView();
+    face->didFinishedCaptureWithSuccess(true);
+    face->didFinishedCaptureWithSuccess(false);
+    face->didFinishedConfirmWithSuccess(false);
+    face->didFinishedConfirmWithSuccess(true);
+    face->dismissCamerControlerWithResult(true, std::nullopt);
+    QTest::qWait(100);
+    EXPECT_EQ(face->confirmController(), nullptr);
+
+    // Once more while the review shows: the review stays and the new callback gets the answer.
+    requestFace();
+    ASSERT_TRUE(waitForReview());
+    QPointer<VextilConfirmController> review = face->confirmController();
+    requestFace();
+    QTest::qWait(300);
+    EXPECT_EQ(face->confirmController(), review.data());
+    EXPECT_TRUE(review->isVisible());
+    EXPECT_NE(VextilRepository::sharedInstance()->getFaceImages(), nullptr) << "the capture under review stays";
+    press(review->confirmView()->acceptButton());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 1; }, 5000));
+    QTest::qWait(200);
+    EXPECT_EQ(reports, 1);
+    EXPECT_TRUE(lastSuccess);
+}
+
+TEST_F(FaceFlowTest, AHostsModalDialogIsCoveredByTheCameraScreen)
+{
+    QDialog dialog(&host);
+    dialog.resize(320, 480);
+    dialog.setModal(true);
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::activeModalWidget() != nullptr; }, 2000));
+    requestFace();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController() && face->faceCameraViewController()->isVisible(); }, 3000));
+    EXPECT_EQ(face->faceCameraViewController()->window(), &dialog);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController()->geometry() == dialog.rect(); }, 2000))
+        << "it covers the dialog once it has slid in";
+    EXPECT_EQ(face->rootController(), &dialog);
+    face->faceCameraViewController()->didCancel();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return reports == 1; }, 5000));
 }
 
 }  // namespace

@@ -95,4 +95,36 @@ TEST(TutorialFace, ReducedTransparencyDrawsBlackAtThreeQuartersWithoutBlur)
     VextilToolkitSettings::sharedInstance()->setReduceTransparency(false);
 }
 
+TEST(TutorialView, ClosesAndReportsExactlyOnceHoweverItsFadesEnd)
+{
+    // Pressed during the fade-in; pressed and then its fade's effect taken away; pressed twice.
+    const std::pair<const char *, std::function<void(VextilTutorialFace &)>> endings[] = {
+        {"pressed while fading in", [](VextilTutorialFace &t) { Q_EMIT t.nextButton()->pressed(); }},
+        {"fade-out cut short", [](VextilTutorialFace &t) {
+             Q_EMIT t.nextButton()->pressed();
+             t.setGraphicsEffect(nullptr);
+         }},
+        {"pressed twice", [](VextilTutorialFace &t) {
+             Q_EMIT t.nextButton()->pressed();
+             Q_EMIT t.nextButton()->pressed();
+         }},
+    };
+    for (const auto &[name, end] : endings) {
+        SCOPED_TRACE(name);
+        QWidget screen;
+        screen.resize(390, 844);
+        screen.show();
+        QPointer<VextilTutorialFace> tutorial = new VextilTutorialFace(&screen);
+        int reported = 0;
+        tutorial->setCompletionHandler([&] { ++reported; });
+        tutorial->setGeometry(screen.rect());
+        tutorial->fadeIn(100);
+        QTest::qWait(20);
+        end(*tutorial);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return tutorial.isNull(); }, 2000)) << "the pop-up is gone";
+        EXPECT_EQ(reported, 1);
+        EXPECT_TRUE(screen.findChildren<VextilTutorialFace *>().isEmpty());
+    }
+}
+
 }  // namespace

@@ -1,5 +1,6 @@
-// Assembles a portrait selfie clip from two still photos: some time with no face in view,
-// then a neutral face, then a smiling one. Small head movement and sensor noise keep the
+// Assembles a selfie clip from two still photos: some time with no face in view, then a neutral
+// face, then a smiling one. Portrait by default, as a phone's front camera films; landscape with
+// --size 1280x720, as a laptop's webcam does. Small head movement and sensor noise keep the
 // frames from being identical, as a real camera's are. Deterministic: same input, same clip.
 
 #include <opencv2/imgcodecs.hpp>
@@ -37,6 +38,10 @@ bool parse(int argc, char **argv, Options &o)
         else if (key == "--brightness") o.brightness = std::stod(value);
         else if (key == "--contrast") o.contrast = std::stod(value);
         else if (key == "--noise") o.noise = std::stod(value);
+        else if (key == "--size") {
+            if (std::sscanf(value.c_str(), "%dx%d", &o.width, &o.height) != 2 || o.width <= 0 || o.height <= 0)
+                return false;
+        }
         else return false;
     }
     return !o.neutral.empty() && !o.smile.empty() && !o.output.empty() && o.fps > 0;
@@ -50,6 +55,31 @@ cv::Mat fillFrame(const cv::Mat &photo, cv::Size size)
     cv::resize(photo, scaled, cv::Size(), scale, scale, cv::INTER_AREA);
     const cv::Rect middle((scaled.cols - size.width) / 2, (scaled.rows - size.height) / 2, size.width, size.height);
     return scaled(middle).clone();
+}
+
+// The person as a landscape webcam films them: the portrait scene, scaled so that the face is as
+// large on a phone-shaped view (390x618, cropped from the middle of the frame) as in the portrait
+// clip, in front of a blurred widening of the same photo.
+cv::Mat landscapeScene(const cv::Mat &photo, cv::Size size)
+{
+    const cv::Size portrait(720, 1280);
+    const double portraitVisibleHeight = portrait.width * 618.0 / 390.0;  // what a phone view shows of it
+    const double scale = size.height / portraitVisibleHeight;
+    cv::Mat person;
+    cv::resize(fillFrame(photo, portrait), person, cv::Size(), scale, scale, cv::INTER_AREA);
+    cv::Mat scene = fillFrame(photo, size / 8);
+    cv::GaussianBlur(scene, scene, cv::Size(0, 0), 6);
+    cv::resize(scene, scene, size, 0, 0, cv::INTER_LINEAR);
+    const int top = (person.rows - size.height) / 2;
+    const cv::Mat middle = person(cv::Rect(0, top, person.cols, size.height));
+    middle.copyTo(scene(cv::Rect((size.width - person.cols) / 2, 0, person.cols, size.height)));
+    return scene;
+}
+
+// A photo filling the frame: directly for portrait frames, in a wider scene for landscape ones.
+cv::Mat personScene(const cv::Mat &photo, cv::Size size)
+{
+    return size.width > size.height ? landscapeScene(photo, size) : fillFrame(photo, size);
 }
 
 // An empty room: a wall in a soft gradient over a darker floor band.
@@ -92,7 +122,8 @@ int main(int argc, char **argv)
     if (!parse(argc, argv, o)) {
         std::fprintf(stderr,
                      "usage: %s --neutral PHOTO --smile PHOTO --output CLIP.avi [--fps 15] [--blank-seconds 1]"
-                     " [--neutral-seconds 6] [--smile-seconds 3] [--brightness 0] [--contrast 1] [--noise 2.5]\n",
+                     " [--neutral-seconds 6] [--smile-seconds 3] [--brightness 0] [--contrast 1] [--noise 2.5]"
+                     " [--size 720x1280]\n",
                      argv[0]);
         return 2;
     }
@@ -108,7 +139,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "cannot write %s\n", o.output.c_str());
         return 1;
     }
-    const cv::Mat scenes[] = {emptyRoom(size), fillFrame(neutral, size), fillFrame(smile, size)};
+    const cv::Mat scenes[] = {emptyRoom(size), personScene(neutral, size), personScene(smile, size)};
     const double ends[] = {o.blankSeconds, o.blankSeconds + o.neutralSeconds,
                            o.blankSeconds + o.neutralSeconds + o.smileSeconds};
     const int frames = int(std::lround(ends[2] * o.fps));
