@@ -154,7 +154,11 @@ QByteArray VextilUploadRequest::body(const VextilMetadataField &metadata, const 
 
 VextilHeaderFields VextilUploadRequest::headers(const QString &authKey, const QString &boundary)
 {
+    // Qt drops a header whose value is a null byte array; an empty key is sent, empty.
+    QByteArray key = authKey.toUtf8();
+    if (key.isNull())
+        key = QByteArray("", 0);
     return {{"Content-Type", "multipart/form-data; boundary=" + boundary.toUtf8()},
-            {"Authorization", authKey.toUtf8()},
+            {"Authorization", key},
             {"Cache-Control", "no-cache"}};
 }

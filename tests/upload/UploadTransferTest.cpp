@@ -247,6 +247,65 @@ TEST_F(UploadTransferTest, MissingKeyOrImagesFailBeforeAnyRequestButEmptyArraysA
     EXPECT_TRUE(empty.answer.has_value()) << "an empty upload is not refused";
 }
 
+// A TLS server of the test's own that reads whole requests as they arrive and answers each
+// with an empty JSON object: it shows exactly which header lines the toolkit sent.
+class CapturingServer : public QTcpServer {
+public:
+    CapturingServer() { listen(QHostAddress::LocalHost); }
+    QString host() const { return QStringLiteral("127.0.0.1:%1").arg(serverPort()); }
+    static QString certificate() { return QStringLiteral(VEXTIL_TEST_DATA_DIR "/tls/loopback-server.pem"); }
+    // The header lines of the last complete request, lower-cased names.
+    QByteArrayList headerLines() const { return m_headerLines; }
+
+protected:
+    void incomingConnection(qintptr descriptor) override
+    {
+        auto *socket = new QSslSocket(this);
+        socket->setSocketDescriptor(descriptor);
+        socket->setLocalCertificate(certificate());
+        socket->setPrivateKey(QStringLiteral(VEXTIL_TEST_DATA_DIR "/tls/loopback-server.key"), QSsl::Ec);
+        auto buffer = std::make_shared<QByteArray>();
+        connect(socket, &QSslSocket::readyRead, socket, [this, socket, buffer] {
+            buffer->append(socket->readAll());
+            const qsizetype end = buffer->indexOf("\r\n\r\n");
+            if (end < 0)
+                return;
+            const QByteArrayList lines = buffer->left(end).split('\n');
+            qsizetype length = 0;
+            for (const QByteArray &line : lines)
+                if (line.toLower().startsWith("content-length:"))
+                    length = line.mid(15).trimmed().toLongLong();
+            if (buffer->size() < end + 4 + length)
+                return;
+            m_headerLines.clear();
+            for (const QByteArray &line : lines.mid(1))
+                m_headerLines.append(line.trimmed().toLower());
+            socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 2\r\n\r\n{}");
+            buffer->clear();
+        });
+        socket->startServerEncryption();
+    }
+
+private:
+    QByteArrayList m_headerLines;
+};
+
+TEST_F(UploadTransferTest, AnEmptyKeyIsSentAsAnEmptyAuthorizationHeader)
+{
+    // Only a missing key is 420; an empty one, null or not, goes to the service as it is.
+    CapturingServer server;
+    pointAt(server.host(), CapturingServer::certificate());
+    for (const QString &key : {QString(), QString(QLatin1String("")), QStringLiteral("k")}) {
+        SCOPED_TRACE(key.isNull() ? "null" : key.isEmpty() ? "empty" : "set");
+        store->setAuthKey(key);
+        Delivery delivery;
+        sendAndWait(delivery);
+        EXPECT_FALSE(delivery.error.has_value());
+        EXPECT_TRUE(server.headerLines().contains(key.isEmpty() ? QByteArray("authorization:") : QByteArray("authorization: k")))
+            << server.headerLines().join(" | ").toStdString();
+    }
+}
+
 TEST_F(UploadTransferTest, TwoSendsInFlightAreEachCalledBackOnceAndOversizedBodiesAreRefused)
 {
     ReferenceServer server;

@@ -88,7 +88,9 @@ bool UploadServer::start(std::string &error)
         fail(response, 500, QStringLiteral("internal error"));
     });
     m_server->set_logger([](const httplib::Request &request, const httplib::Response &response) {
-        std::printf("%s %s -> %d\n", request.method.c_str(), request.path.c_str(), response.status);
+        // A refusal says why, on the same line.
+        std::printf("%s %s -> %d%s%s\n", request.method.c_str(), request.path.c_str(), response.status,
+                    response.status >= 400 ? " " : "", response.status >= 400 ? response.body.c_str() : "");
         std::fflush(stdout);
     });
     m_port = m_options.port == 0 ? m_server->bind_to_any_port(m_options.host)
@@ -122,8 +124,10 @@ void UploadServer::handleUpload(const httplib::Request &request, httplib::Respon
     }
     if (m_options.fixedStatus != 0)
         return fail(response, m_options.fixedStatus, QStringLiteral("fixed status for testing"));
+    if (!request.has_header("Authorization"))
+        return fail(response, 401, QStringLiteral("no Authorization header"));
     if (request.get_header_value("Authorization") != m_options.key)
-        return fail(response, 401, QStringLiteral("wrong or missing Authorization key"));
+        return fail(response, 401, QStringLiteral("wrong Authorization key"));
     if (!request.is_multipart_form_data() || !request.has_file("META_INFOS"))
         return fail(response, 400, QStringLiteral("expected multipart/form-data with a META_INFOS field"));
 
