@@ -131,6 +131,15 @@ public:
     {
         return VextilUploadRequest::headers(authKey, boundary);
     }
+    /// The upload service's host, "host" or "host:port" (the scheme and path stay https and
+    /// /file); empty, the build's default. Development builds let VEXTIL_UPLOAD_HOST override it.
+    void setUploadHost(const QString &host);
+    QString uploadHost() const;
+    /// Certificate authorities to trust for the upload besides the system's, in PEM (one or more
+    /// certificates per entry); an empty list trusts the system's alone. False, and nothing
+    /// changed, when an entry holds no certificate.
+    bool setExtraCertificateAuthorities(const QList<QByteArray> &pemCertificates);
+
     /// The certificate text the upload refuses to talk to: the toolkit's "_vextilco.crt" resource
     /// without its marker lines; nothing when the resource cannot be read.
     static std::optional<QString> getLocalCertificate();

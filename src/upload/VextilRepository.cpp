@@ -94,6 +94,22 @@ VextilJsonValue VextilRepository::mountMetaInfoWithDataType(VextilDataType dataT
     return VextilUploadRequest::metaInfo(content(), dataType);
 }
 
+void VextilRepository::setUploadHost(const QString &host) { VextilUploadEndpoint::setHost(host); }
+QString VextilRepository::uploadHost() const { return VextilUploadEndpoint::host(); }
+
+bool VextilRepository::setExtraCertificateAuthorities(const QList<QByteArray> &pemCertificates)
+{
+    QList<QSslCertificate> authorities;
+    for (const QByteArray &pem : pemCertificates) {
+        const QList<QSslCertificate> read = QSslCertificate::fromData(pem, QSsl::Pem);
+        if (read.isEmpty())
+            return false;
+        authorities += read;
+    }
+    VextilUploadEndpoint::setExtraAuthorities(authorities);
+    return true;
+}
+
 std::optional<QString> VextilRepository::getLocalCertificate()
 {
     QFile file(QStringLiteral(":/VextilToolkit/_vextilco.crt"));

@@ -306,6 +306,42 @@ TEST_F(UploadTransferTest, AnEmptyKeyIsSentAsAnEmptyAuthorizationHeader)
     }
 }
 
+QStringList warnings;  // what the toolkit logged, for the test below
+
+TEST_F(UploadTransferTest, TheHostSetsTheEndpointInCodeAndTheEnvironmentOverridesItWithOneWarning)
+{
+    ReferenceServer server;
+    qunsetenv("VEXTIL_UPLOAD_HOST");
+    qunsetenv("VEXTIL_UPLOAD_CA_FILE");
+    store->setUploadHost(server.host());
+    EXPECT_EQ(store->uploadHost(), server.host());
+    EXPECT_FALSE(store->setExtraCertificateAuthorities({"not a certificate"}));
+    Delivery untrusted;
+    sendAndWait(untrusted);
+    EXPECT_EQ(untrusted.code(), 423) << "the server's own authority is not the system's";
+    ASSERT_TRUE(store->setExtraCertificateAuthorities({readFile(server.authorityFile())}));
+    Delivery trusted;
+    sendAndWait(trusted);
+    EXPECT_FALSE(trusted.error.has_value());
+
+    // The environment wins, for development and tests, and says so once.
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
+        if (type == QtWarningMsg)
+            warnings.append(message);
+    });
+    store->setUploadHost(QStringLiteral("127.0.0.1:1"));  // nobody listens there
+    store->setExtraCertificateAuthorities({});
+    pointAt(server.host(), server.authorityFile());
+    for (int i = 0; i < 2; ++i) {
+        Delivery overridden;
+        sendAndWait(overridden);
+        EXPECT_FALSE(overridden.error.has_value());
+    }
+    qInstallMessageHandler(nullptr);
+    EXPECT_EQ(warnings.filter("overridden from the environment").size(), 1) << warnings.join("\n").toStdString();
+    store->setUploadHost({});
+}
+
 TEST_F(UploadTransferTest, TwoSendsInFlightAreEachCalledBackOnceAndOversizedBodiesAreRefused)
 {
     ReferenceServer server;
