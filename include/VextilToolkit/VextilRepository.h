@@ -140,6 +140,12 @@ public:
     /// changed, when an entry holds no certificate.
     bool setExtraCertificateAuthorities(const QList<QByteArray> &pemCertificates);
 
+    /// Public keys the upload server's chain must hold one of: each the raw 32-byte SHA-256 of a
+    /// DER SubjectPublicKeyInfo (a leaf's, an intermediate's or an authority's presented in the
+    /// chain). A server that holds none is refused (423) before any request byte is sent. An
+    /// empty list means no pinning. False, and nothing changed, when a digest is not 32 bytes.
+    bool setPinnedPublicKeys(QList<QByteArray> sha256Digests);
+
     /// The certificate text the upload refuses to talk to: the toolkit's "_vextilco.crt" resource
     /// without its marker lines; nothing when the resource cannot be read.
     static std::optional<QString> getLocalCertificate();

@@ -3,6 +3,7 @@
 #include "core/VextilLocked.h"
 #include "core/VextilMainQueue.h"
 #include "upload/VextilUploadEndpoint.h"
+#include "upload/VextilServerTrust.h"
 #include "upload/VextilUploadSession.h"
 
 #include <QCoreApplication>
@@ -110,6 +111,15 @@ bool VextilRepository::setExtraCertificateAuthorities(const QList<QByteArray> &p
     return true;
 }
 
+bool VextilRepository::setPinnedPublicKeys(QList<QByteArray> sha256Digests)
+{
+    for (const QByteArray &digest : sha256Digests)
+        if (digest.size() != 32)
+            return false;
+    VextilUploadEndpoint::setPinnedKeys(sha256Digests);
+    return true;
+}
+
 std::optional<QString> VextilRepository::getLocalCertificate()
 {
     QFile file(QStringLiteral(":/VextilToolkit/_vextilco.crt"));
@@ -166,7 +176,8 @@ void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallbac
             setProgress(double(sent) / double(total));
     };
     handlers.completion = [this, callBack](const VextilUploadOutcome &outcome) { finishTransfer(outcome, callBack); };
-    session->start(request, body, getLocalCertificate().value_or(QString()), std::move(handlers));
+    session->start(request, body, VextilServerTrust(getLocalCertificate().value_or(QString()), endpoint.pinnedKeys),
+                   std::move(handlers));
 }
 
 void VextilRepository::finishTransfer(const VextilUploadOutcome &outcome, const SendCallback &callBack)

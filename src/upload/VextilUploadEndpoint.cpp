@@ -16,6 +16,7 @@ struct HostSettings {
     QMutex mutex;
     QString host;
     QList<QSslCertificate> authorities;
+    QList<QByteArray> pins;
 };
 
 HostSettings &hostSettings()
@@ -55,6 +56,7 @@ VextilUploadEndpoint VextilUploadEndpoint::current()
     const QString host = readLocked(settings.mutex, settings.host);
     endpoint.url = QUrl(QStringLiteral("https://%1/file").arg(host.isEmpty() ? QStringLiteral(VEXTIL_DEFAULT_UPLOAD_HOST) : host));
     endpoint.extraAuthorities = readLocked(settings.mutex, settings.authorities);
+    endpoint.pinnedKeys = readLocked(settings.mutex, settings.pins);
 #ifdef VEXTIL_ENV_OVERRIDES
     applyOverrides(endpoint);
 #endif
@@ -67,4 +69,9 @@ QString VextilUploadEndpoint::host() { return readLocked(hostSettings().mutex, h
 void VextilUploadEndpoint::setExtraAuthorities(const QList<QSslCertificate> &authorities)
 {
     writeLocked(hostSettings().mutex, hostSettings().authorities, authorities);
+}
+
+void VextilUploadEndpoint::setPinnedKeys(const QList<QByteArray> &digests)
+{
+    writeLocked(hostSettings().mutex, hostSettings().pins, digests);
 }

@@ -18,6 +18,7 @@ struct VextilUploadEndpoint {
     QUrl url;
     int timeoutMs = 60000;
     QList<QSslCertificate> extraAuthorities;
+    QList<QByteArray> pinnedKeys;  ///< SHA-256 digests of SubjectPublicKeyInfo; none means no pinning
 
     /// The endpoint in force now.
     static VextilUploadEndpoint current();
@@ -26,4 +27,5 @@ struct VextilUploadEndpoint {
     static void setHost(const QString &host);
     static QString host();
     static void setExtraAuthorities(const QList<QSslCertificate> &authorities);
+    static void setPinnedKeys(const QList<QByteArray> &digests);
 };

@@ -37,19 +37,7 @@ VextilUploadSession::~VextilUploadSession()
     m_thread.wait();
 }
 
-QString VextilUploadSession::base64Lines(const QByteArray &der)
-{
-    const QByteArray text = der.toBase64();
-    QByteArray lines;
-    for (qsizetype at = 0; at < text.size(); at += 76) {
-        if (at > 0)
-            lines.append("\r\n");
-        lines.append(text.mid(at, 76));
-    }
-    return QString::fromLatin1(lines);
-}
-
-void VextilUploadSession::start(QNetworkRequest request, QByteArray body, QString refusedCertificate, Handlers handlers)
+void VextilUploadSession::start(QNetworkRequest request, QByteArray body, VextilServerTrust trust, Handlers handlers)
 {
     // Keeps the session (and its thread) alive until the transfer is over, whoever else
     // lets go of it meanwhile; it is let go of on the GUI thread, never on its own.
@@ -58,14 +46,14 @@ void VextilUploadSession::start(QNetworkRequest request, QByteArray body, QStrin
     manager->moveToThread(&m_thread);
     m_thread.start();
     QMetaObject::invokeMethod(manager, VextilThreadHandoff([self, manager, request, body,
-                                                                  refused = std::move(refusedCertificate),
+                                                                  trust = std::move(trust),
                                                                   handlers = std::move(handlers)]() mutable {
         QNetworkReply *reply = manager->post(request, body);
         QObject::connect(reply, &QNetworkReply::uploadProgress, reply, handlers.progress);
-        // Runs only once the system has validated the chain: an unvalidated chain fails the
-        // handshake before this point.
-        QObject::connect(reply, &QNetworkReply::encrypted, reply, [reply, refused] {
-            if (base64Lines(reply->sslConfiguration().peerCertificate().toDer()) == refused)
+        // Runs only once the system has validated the chain (an unvalidated chain fails the
+        // handshake before this point), and before any request byte is written.
+        QObject::connect(reply, &QNetworkReply::encrypted, reply, [reply, trust] {
+            if (!trust.accepts(reply->sslConfiguration().peerCertificateChain()))
                 reply->abort();
         });
         QObject::connect(reply, &QNetworkReply::finished, reply, [self, manager, reply, handlers]() mutable {

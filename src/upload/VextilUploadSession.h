@@ -1,5 +1,7 @@
 #pragma once
 
+#include "upload/VextilServerTrust.h"
+
 #include <QByteArray>
 #include <QNetworkRequest>
 #include <QObject>
@@ -19,8 +21,8 @@ struct VextilUploadOutcome {
 
 /// One upload's network session: a thread of its own that owns the network access manager, on
 /// which progress, the server check and completion run. The server is trusted when the system
-/// validates its certificate and its leaf certificate, as 76-column Base64 text, differs from
-/// the refused text. Keeps itself alive until its transfer has completed.
+/// validates its chain and the upload's VextilServerTrust accepts it. Keeps itself alive until
+/// its transfer has completed.
 class VextilUploadSession : public QObject, public std::enable_shared_from_this<VextilUploadSession> {
     Q_OBJECT
 public:
@@ -33,11 +35,8 @@ public:
     /// Stops the thread and waits for it.
     ~VextilUploadSession() override;
 
-    /// Posts the body; refusedCertificate is the text a server's leaf must not encode to.
-    void start(QNetworkRequest request, QByteArray body, QString refusedCertificate, Handlers handlers);
-
-    /// DER bytes as Base64 in lines of 76 characters joined by CR LF, no line break at the end.
-    static QString base64Lines(const QByteArray &der);
+    /// Posts the body to a server that `trust` accepts.
+    void start(QNetworkRequest request, QByteArray body, VextilServerTrust trust, Handlers handlers);
 
 private:
     QThread m_thread;

@@ -1,6 +1,7 @@
 #include <VextilToolkit/VextilRepository.h>
 
 #include "ReferenceServer.h"
+#include "TestCertificates.h"
 #include "TestImages.h"
 
 #include <QDir>
@@ -8,6 +9,7 @@
 #include <QMutex>
 #include <QRegularExpression>
 #include <QSettings>
+#include <QSslKey>
 #include <QSslSocket>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -248,25 +250,41 @@ TEST_F(UploadTransferTest, MissingKeyOrImagesFailBeforeAnyRequestButEmptyArraysA
 }
 
 // A TLS server of the test's own that reads whole requests as they arrive and answers each
-// with an empty JSON object: it shows exactly which header lines the toolkit sent.
+// with an empty JSON object: it shows exactly which header lines the toolkit sent, and whether it
+// sent anything at all. It presents the chain it is given, offering HTTP/2 if asked to.
 class CapturingServer : public QTcpServer {
 public:
-    CapturingServer() { listen(QHostAddress::LocalHost); }
+    explicit CapturingServer(QList<QSslCertificate> chain = QSslCertificate::fromPath(certificate()),
+                             QSslKey key = loopbackKey(), bool offerHttp2 = false)
+    {
+        m_config.setLocalCertificateChain(chain);
+        m_config.setPrivateKey(key);
+        if (offerHttp2)
+            m_config.setAllowedNextProtocols({QSslConfiguration::ALPNProtocolHTTP2, QSslConfiguration::NextProtocolHttp1_1});
+        listen(QHostAddress::LocalHost);
+    }
     QString host() const { return QStringLiteral("127.0.0.1:%1").arg(serverPort()); }
     static QString certificate() { return QStringLiteral(VEXTIL_TEST_DATA_DIR "/tls/loopback-server.pem"); }
     // The header lines of the last complete request, lower-cased names.
     QByteArrayList headerLines() const { return m_headerLines; }
+    // Bytes received over TLS, and the protocol the last handshake settled on.
+    qint64 bytesReceived() const { return m_received; }
+    QByteArray negotiated() const { return m_negotiated; }
 
 protected:
     void incomingConnection(qintptr descriptor) override
     {
         auto *socket = new QSslSocket(this);
         socket->setSocketDescriptor(descriptor);
-        socket->setLocalCertificate(certificate());
-        socket->setPrivateKey(QStringLiteral(VEXTIL_TEST_DATA_DIR "/tls/loopback-server.key"), QSsl::Ec);
+        socket->setSslConfiguration(m_config);
         auto buffer = std::make_shared<QByteArray>();
+        connect(socket, &QSslSocket::encrypted, socket, [this, socket] {
+            m_negotiated = socket->sslConfiguration().nextNegotiatedProtocol();
+        });
         connect(socket, &QSslSocket::readyRead, socket, [this, socket, buffer] {
-            buffer->append(socket->readAll());
+            const QByteArray data = socket->readAll();
+            m_received += data.size();
+            buffer->append(data);
             const qsizetype end = buffer->indexOf("\r\n\r\n");
             if (end < 0)
                 return;
@@ -287,8 +305,69 @@ protected:
     }
 
 private:
+    static QSslKey loopbackKey()
+    {
+        QFile file(QStringLiteral(VEXTIL_TEST_DATA_DIR "/tls/loopback-server.key"));
+        return file.open(QIODevice::ReadOnly) ? QSslKey(file.readAll(), QSsl::Ec) : QSslKey();
+    }
+
+    QSslConfiguration m_config = QSslConfiguration::defaultConfiguration();
     QByteArrayList m_headerLines;
+    qint64 m_received = 0;
+    QByteArray m_negotiated;
 };
+
+TEST_F(UploadTransferTest, PinnedKeysRefuseAServerWhoseChainHoldsNoneOfThemBeforeAnyByte)
+{
+    const TestIdentity root = TestCertificates::authority(QStringLiteral("Pinning Root CA"));
+    const TestIdentity intermediate = TestCertificates::issue(root, QStringLiteral("Pinning Intermediate CA"), true);
+    const TestIdentity leaf = TestCertificates::issue(intermediate, QStringLiteral("127.0.0.1"), false);
+    const TestIdentity rogueRoot = TestCertificates::authority(QStringLiteral("Rogue Root CA"));
+    const TestIdentity rogueLeaf = TestCertificates::issue(rogueRoot, QStringLiteral("127.0.0.1"), false);
+    qunsetenv("VEXTIL_UPLOAD_CA_FILE");
+    // Both authorities are trusted: every server below passes the system's check.
+    ASSERT_TRUE(store->setExtraCertificateAuthorities({root.certificate.toPem(), rogueRoot.certificate.toPem()}));
+    EXPECT_FALSE(store->setPinnedPublicKeys({QByteArray("not a digest")}));
+
+    struct Case {
+        const char *name;
+        QList<QSslCertificate> chain;
+        QSslKey key;
+        QList<QByteArray> pins;
+        bool accepted;
+    };
+    const QByteArray leafPin = TestCertificates::publicKeyPin(leaf.certificate);
+    const QByteArray intermediatePin = TestCertificates::publicKeyPin(intermediate.certificate);
+    const Case cases[] = {
+        {"pin on the leaf", {leaf.certificate, intermediate.certificate}, leaf.key, {leafPin}, true},
+        {"pin on the intermediate", {leaf.certificate, intermediate.certificate}, leaf.key, {QByteArray(32, 'x'), intermediatePin}, true},
+        {"no pins", {rogueLeaf.certificate}, rogueLeaf.key, {}, true},
+        {"rogue leaf of another authority", {rogueLeaf.certificate}, rogueLeaf.key, {intermediatePin}, false},
+        {"rogue leaf showing the pinned intermediate", {rogueLeaf.certificate, intermediate.certificate}, rogueLeaf.key,
+         {intermediatePin}, false},
+    };
+    for (const Case &c : cases) {
+        for (bool http2 : {false, true}) {
+            if (c.accepted && http2)
+                continue;  // this server answers HTTP/1.1 only
+            SCOPED_TRACE(std::string(c.name) + (http2 ? ", HTTP/2 offered" : ""));
+            ASSERT_TRUE(store->setPinnedPublicKeys(c.pins));
+            CapturingServer server(c.chain, c.key, http2);
+            qputenv("VEXTIL_UPLOAD_HOST", server.host().toUtf8());
+            Delivery delivery;
+            sendAndWait(delivery);
+            EXPECT_EQ(delivery.code(), c.accepted ? 0 : 423);
+            if (!c.accepted) {
+                EXPECT_EQ(server.bytesReceived(), 0) << "not a request byte";
+            }
+            if (http2) {
+                EXPECT_EQ(server.negotiated(), QSslConfiguration::ALPNProtocolHTTP2);
+            }
+        }
+    }
+    store->setPinnedPublicKeys({});
+    store->setExtraCertificateAuthorities({});
+}
 
 TEST_F(UploadTransferTest, AnEmptyKeyIsSentAsAnEmptyAuthorizationHeader)
 {
