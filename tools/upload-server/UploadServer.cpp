@@ -11,6 +11,8 @@
 #include <QStringList>
 #include <QUuid>
 
+#include <algorithm>
+
 #include <cstdio>
 
 namespace {
@@ -82,6 +84,8 @@ bool UploadServer::start(std::string &error)
     }
     m_server = std::make_unique<httplib::SSLServer>(m_certificates.certificate.get(), m_certificates.key.get());
     m_server->set_payload_max_length(m_options.maxBody);
+    // A slow or stalled client holds a worker thread only this long.
+    m_server->set_read_timeout(std::max(1, m_options.readTimeoutSeconds), 0);
     m_server->Post("/file", [this](const auto &request, auto &response) { handleUpload(request, response); });
     m_server->Get("/stats", [this](const auto &request, auto &response) { handleStats(request, response); });
     m_server->set_exception_handler([](const auto &, auto &response, std::exception_ptr) {

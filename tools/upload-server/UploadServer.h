@@ -20,6 +20,7 @@ public:
         std::string storage = "uploads";     // one folder per upload below this
         std::string certificate, privateKey; // PEM files; made on the spot when empty
         size_t maxBody = 64u << 20;          // larger bodies are answered 413
+        int readTimeoutSeconds = 10;         // a client that stalls longer is dropped
         int fixedStatus = 0;                 // when set, every upload is answered with it
         std::string fixedBody;               // body of those answers; a JSON error when empty
     };

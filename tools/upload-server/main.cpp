@@ -35,6 +35,7 @@ int main(int argc, char **argv)
     add("cert", "Server certificate (PEM); omitted: a new authority signs one.", "file", "");
     add("cert-key", "Private key of --cert (PEM).", "file", "");
     add("max-body", "Largest accepted body in bytes; larger ones get 413.", "bytes", "67108864");
+    add("read-timeout", "Seconds a client may leave the server waiting for the rest of a request.", "seconds", "10");
     add("status", "Answer every upload with this HTTP status (testing).", "code", "0");
     add("body", "Body of the --status answers, as plain text (testing).", "text", "");
     options.process(app);
@@ -47,6 +48,7 @@ int main(int argc, char **argv)
     settings.certificate = options.value(QStringLiteral("cert")).toStdString();
     settings.privateKey = options.value(QStringLiteral("cert-key")).toStdString();
     settings.maxBody = options.value(QStringLiteral("max-body")).toULongLong();
+    settings.readTimeoutSeconds = options.value(QStringLiteral("read-timeout")).toInt();
     settings.fixedStatus = options.value(QStringLiteral("status")).toInt();
     settings.fixedBody = options.value(QStringLiteral("body")).toStdString();
     if (settings.key.empty()) {

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Puts the reference upload server under load on loopback: 100 uploads in a row, 8 clients in
+# parallel, a stalled client and one that hangs up; checks every stored upload against what was
+# sent. Runs from the build folder's programs; stops the server whatever happens.
+#   scripts/load-test.sh [BUILD_DIR] [extra vextil_upload_load arguments]
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-$root/build}
+shift || true
+work=$(mktemp -d)
+"$build/tools/upload-server/vextil_upload_server" --port 0 --key load-key --storage "$work/uploads" \
+  --read-timeout 1 >"$work/server.log" 2>&1 &
+server=$!
+trap 'kill "$server" 2>/dev/null || true; rm -rf "$work"' EXIT
+for _ in $(seq 100); do
+  grep -q "listening on" "$work/server.log" && break
+  sleep 0.1
+done
+url=$(grep -o 'https://127.0.0.1:[0-9]*' "$work/server.log" | head -1)
+ca=$(sed -n 's/^certificate authority: //p' "$work/server.log")
+if ! "$build/tools/upload-load/vextil_upload_load" --server "$url" --key load-key --ca "$ca" --storage "$work/uploads" "$@"; then
+  echo "the server's log:" >&2
+  tail -20 "$work/server.log" >&2
+  exit 1
+fi
+# The server is still there and answering.
+kill -0 "$server"
