@@ -10,6 +10,7 @@ packages=(
   libopencv-dev opencv-data
   libgtest-dev libgmock-dev
   libssl-dev libcpp-httplib-dev
+  clang libclang-rt-14-dev
 )
 
 missing=()

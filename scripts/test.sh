@@ -16,5 +16,13 @@ fi
 
 "$root/scripts/build.sh" "$build" "${cmake_args[@]}"
 export QT_QPA_PLATFORM=offscreen
-cd "$build"
-ctest --output-on-failure --parallel "$(nproc)" --timeout 300
+(cd "$build" && ctest --output-on-failure --parallel "$(nproc)" --timeout 300)
+
+# The fuzz targets, a bounded number of iterations each, in a clang build of their own (label
+# "fuzz"); skipped in sanitizer runs, which use the other compiler's runtime.
+if [ ${#cmake_args[@]} -eq 0 ]; then
+  CC=clang CXX=clang++ cmake -S "$root" -B "$root/build-fuzz" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVEXTIL_FUZZ=ON \
+    -DVEXTIL_BUILD_TESTS=OFF -DVEXTIL_BUILD_BENCH=OFF -DVEXTIL_BUILD_EXAMPLES=OFF >/dev/null
+  cmake --build "$root/build-fuzz" --target vextil_fuzzers --parallel "$(nproc)"
+  (cd "$root/build-fuzz" && ctest -L fuzz --output-on-failure --parallel "$(nproc)")
+fi

@@ -6,6 +6,7 @@
 
 #include <opencv2/imgproc.hpp>
 #include <opencv2/videoio.hpp>
+#include <opencv2/videoio/registry.hpp>
 
 struct VextilVideoFileReader::Private {
     cv::VideoCapture capture;
@@ -28,7 +29,10 @@ bool VextilVideoFileReader::open(const QString &path)
         d->error = QStringLiteral("no such video file: %1").arg(path);
         return false;
     }
-    if (!d->capture.open(path.toStdString(), cv::CAP_ANY)) {
+    // FFmpeg wherever OpenCV has it: asked for "any" backend, OpenCV would also try a file it
+    // cannot decode as an image-sequence pattern and probe camera backends with it.
+    const int backend = cv::videoio_registry::hasBackend(cv::CAP_FFMPEG) ? cv::CAP_FFMPEG : cv::CAP_ANY;
+    if (!d->capture.open(path.toStdString(), backend)) {
         d->error = QStringLiteral("cannot decode video file: %1").arg(path);
         return false;
     }

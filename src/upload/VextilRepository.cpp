@@ -4,12 +4,11 @@
 #include "core/VextilMainQueue.h"
 #include "upload/VextilUploadEndpoint.h"
 #include "upload/VextilServerTrust.h"
+#include "upload/VextilUploadAnswer.h"
 #include "upload/VextilUploadSession.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QSettings>
 #include <QSslConfiguration>
 #include <QThread>
@@ -189,9 +188,7 @@ void VextilRepository::finishTransfer(const VextilUploadOutcome &outcome, const 
     }
     if (outcome.status == 200) {
         // An answer that is not a JSON object leaves no result, and no error either.
-        const QJsonDocument answer = QJsonDocument::fromJson(outcome.body);
-        const std::optional<QVariantMap> result =
-            answer.isObject() ? std::optional(answer.object().toVariantMap()) : std::nullopt;
+        const std::optional<QVariantMap> result = VextilUploadAnswer::decode(outcome.body);
         setResultData(result);
         callBack(result, std::nullopt);
         return;

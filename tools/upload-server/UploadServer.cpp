@@ -1,13 +1,13 @@
 #include "UploadServer.h"
 
+#include "MetaInfos.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QStringList>
 #include <QUuid>
 
@@ -29,34 +29,6 @@ void fail(httplib::Response &response, int status, const QString &message)
 }
 
 QString text(const std::string &s) { return QString::fromUtf8(s.data(), qsizetype(s.size())); }
-
-// File names come from the client: allow plain names only, never a path.
-bool isSafeName(const QString &name)
-{
-    static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_][A-Za-z0-9_.-]{0,99}$"));
-    return plain.match(name).hasMatch();
-}
-
-// The names listed in META_INFOS, or why the metadata is unusable.
-QStringList namedFiles(const std::string &metaInfos, QString &problem)
-{
-    QJsonParseError error;
-    const QJsonDocument meta = QJsonDocument::fromJson(QByteArray::fromStdString(metaInfos), &error);
-    if (!meta.isObject() || !meta.object().value(QStringLiteral("files")).isArray()) {
-        problem = QStringLiteral("META_INFOS is not a JSON object with a \"files\" array");
-        return {};
-    }
-    QStringList names;
-    for (const QJsonValue &entry : meta.object().value(QStringLiteral("files")).toArray()) {
-        const QString name = entry.toObject().value(QStringLiteral("name")).toString();
-        if (!isSafeName(name)) {
-            problem = QStringLiteral("META_INFOS names a file without a plain name");
-            return {};
-        }
-        names.append(name);
-    }
-    return names;
-}
 
 }  // namespace
 
@@ -136,7 +108,7 @@ void UploadServer::handleUpload(const httplib::Request &request, httplib::Respon
         return fail(response, 400, QStringLiteral("expected multipart/form-data with a META_INFOS field"));
 
     QString problem;
-    const QStringList names = namedFiles(request.get_file_value("META_INFOS").content, problem);
+    const QStringList names = MetaInfos::namedFiles(request.get_file_value("META_INFOS").content, problem);
     if (!problem.isEmpty())
         return fail(response, 400, problem);
     for (const QString &name : names) {
@@ -163,7 +135,7 @@ bool UploadServer::store(const httplib::Request &request, const std::string &tok
     folder = dir.path().toStdString();
     for (const auto &[field, part] : request.files) {
         const QString file = field == "META_INFOS" ? QStringLiteral("META_INFOS.json") : text(part.filename);
-        if (!isSafeName(file))
+        if (!MetaInfos::isSafeName(file))
             continue;
         QFile out(dir.filePath(file));
         if (!out.open(QIODevice::WriteOnly) || out.write(part.content.data(), qint64(part.content.size())) != qint64(part.content.size()))
