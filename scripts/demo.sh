@@ -24,13 +24,12 @@ if [ -z "$port" ]; then
   cat "$out/server.log" >&2
   exit 1
 fi
-export VEXTIL_UPLOAD_HOST="127.0.0.1:$port"
-export VEXTIL_UPLOAD_CA_FILE
-VEXTIL_UPLOAD_CA_FILE=$(sed -n 's/^certificate authority: //p' "$out/server.log")
-echo "reference upload server on https://$VEXTIL_UPLOAD_HOST/file"
+authority=$(sed -n 's/^certificate authority: //p' "$out/server.log")
+echo "reference upload server on https://127.0.0.1:$port/file"
 
+# The demo host sets the upload host and the server's authority in code, as a host does.
 QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$root/build/examples/demo-host/vextil_demo_host" \
-  --unattended --key "$key" --screenshots "$out/screenshots"
+  --unattended --key "$key" --upload-host "127.0.0.1:$port" --upload-ca "$authority" --screenshots "$out/screenshots"
 
 echo "the server stored the upload in: $(ls -d "$out"/uploads/*/ | head -1)"
 ls "$(ls -d "$out"/uploads/*/ | head -1)"

@@ -1,10 +1,12 @@
 // vextil_demo_host: a small host application of the toolkit.
-//   vextil_demo_host [--key KEY] [--camera-file CLIP] [--scheme] [--no-tutorial]
-//                    [--unattended --screenshots DIR]
-// The upload goes where VEXTIL_UPLOAD_HOST (and VEXTIL_UPLOAD_CA_FILE) point.
+//   vextil_demo_host [--key KEY] [--upload-host HOST:PORT] [--upload-ca PEM] [--camera-file CLIP]
+//                    [--scheme] [--no-tutorial] [--unattended --screenshots DIR]
+// The upload goes to --upload-host, set in code as a host would; without it, to the build's
+// default (or VEXTIL_UPLOAD_HOST in development builds).
 
 #include <VextilToolkit/VextilDefaultColorScheme.h>
 #include <VextilToolkit/VextilFace.h>
+#include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
 #include <VextilToolkit/VextilVideoFileSource.h>
 
@@ -13,6 +15,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFile>
 
 #include <cstdio>
 
@@ -37,6 +40,9 @@ int main(int argc, char **argv)
     options.setApplicationDescription(QStringLiteral("VextilToolkit demo host."));
     options.addHelpOption();
     options.addOption({QStringLiteral("key"), QStringLiteral("Authentication key."), QStringLiteral("key"), QStringLiteral("demo-key")});
+    options.addOption({QStringLiteral("upload-host"), QStringLiteral("Upload service, host:port."), QStringLiteral("host")});
+    options.addOption({QStringLiteral("upload-ca"), QStringLiteral("PEM file of an extra authority to trust for the upload."),
+                       QStringLiteral("file")});
     options.addOption({QStringLiteral("camera-file"), QStringLiteral("Video file standing in for the camera."), QStringLiteral("file")});
     options.addOption({QStringLiteral("scheme"), QStringLiteral("Use the host's own colour scheme.")});
     options.addOption({QStringLiteral("no-tutorial"), QStringLiteral("Open the camera without the tutorial.")});
@@ -46,6 +52,15 @@ int main(int argc, char **argv)
     options.process(app);
 
     VextilToolkitSettings::sharedInstance()->initWithAuthKey(options.value(QStringLiteral("key")));
+    VextilRepository *store = VextilRepository::sharedInstance();
+    store->setUploadHost(options.value(QStringLiteral("upload-host")));
+    if (options.isSet(QStringLiteral("upload-ca"))) {
+        QFile authority(options.value(QStringLiteral("upload-ca")));
+        if (!authority.open(QIODevice::ReadOnly) || !store->setExtraCertificateAuthorities({authority.readAll()})) {
+            std::fprintf(stderr, "error: cannot read a certificate from %s\n", qPrintable(authority.fileName()));
+            return 1;
+        }
+    }
     if (options.isSet(QStringLiteral("scheme")))
         VextilToolkitSettings::sharedInstance()->setColorScheme(std::make_shared<TealScheme>());
     VextilFace::sharedInstance()->presentTutorial(!options.isSet(QStringLiteral("no-tutorial")));
