@@ -2,7 +2,9 @@
 // 1080x1920 and saves one PNG per view and state. The camera picture is a frame of the sample
 // clip; the camera screen is assembled the way its controller lays it out.
 
+#include <VextilToolkit/VextilConfirmController.h>
 #include <VextilToolkit/VextilDefaultColorScheme.h>
+#include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
 
 #include "capture/VextilFaceCameraView.h"
@@ -124,6 +126,21 @@ int main(int argc, char **argv)
         review.show();
         CameraScreen::settle();
         ok &= save(review, out, QStringLiteral("navigation-bar") + suffix);
+
+        // The review screen as the flow shows it, over a host window, with a capture in the store.
+        auto *store = VextilRepository::sharedInstance();
+        const QImage portrait = neutral.copy(0, 69, neutral.width(), 1141);  // what a phone view shows
+        const QImage smilingPortrait = smiling.copy(0, 69, smiling.width(), 1141);
+        store->setFaceImages(std::make_shared<QList<QImage>>(5, portrait));
+        store->setFaceSmileImages(std::make_shared<QList<QImage>>(2, smilingPortrait));
+        QWidget host;
+        host.resize(size);
+        host.show();
+        auto *confirm = new VextilConfirmController;
+        confirm->setModel(new VextilConfirmModel);
+        VextilBaseViewController::present(&host, confirm, false);
+        CameraScreen::settle();
+        ok &= save(host, out, QStringLiteral("review") + suffix);
     }
     return ok ? 0 : 1;
 }
