@@ -41,6 +41,7 @@ public:
 protected:
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
+    void viewDidAppear(bool animated) override;
     void resizeEvent(QResizeEvent *) override { setupConstraints(); }
 
 private:

@@ -1,6 +1,7 @@
 #include "capture/VextilFaceCameraView.h"
 
 #include "core/VextilTranslation.h"
+#include "ui/VextilAccessibility.h"
 #include "ui/VextilFrame.h"
 
 #include <QCoreApplication>
@@ -45,6 +46,8 @@ void VextilFaceCameraView::setupViews()
     m_greenMask = new VextilImageView(QStringLiteral("borda_verde"), this);
     m_greenMask->setContentMode(VextilImageView::ContentMode::ScaleAspectFill);
     m_greenMask->hide();
+    m_whiteMask->setAccessibleName(translated("Face frame"));
+    m_greenMask->setAccessibleName(translated("Face frame, face found"));
     m_logo = new VextilImageView(QStringLiteral("logo_vextil"), this);
     m_logo->setAccessibleName(QStringLiteral("Vextil"));
 
@@ -88,4 +91,6 @@ void VextilFaceCameraView::isPopupHidden(bool hidden)
 {
     m_popup->setHidden(hidden);
     m_popupLabel->setHidden(hidden);
+    if (!hidden)
+        VextilAccessibility::announceAlert(m_popupLabel);  // "SMILE!" is read out as it appears
 }

@@ -1,14 +1,20 @@
 #include "capture/VextilFaceProgressBar.h"
 
+#include "ui/VextilAccessibility.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
-VextilFaceProgressBar::VextilFaceProgressBar(QWidget *parent) : QWidget(parent) {}
+VextilFaceProgressBar::VextilFaceProgressBar(QWidget *parent) : QWidget(parent)
+{
+    VextilAccessibility::install();  // a progress bar with a value, to assistive technology
+}
 
 void VextilFaceProgressBar::updateProgress(double progress)
 {
     m_hasFill = true;
     m_strokeEnd = progress;
+    VextilAccessibility::announceValue(this, progress);
     if (m_animation)
         m_animation->stop();  // deletes itself; the fill goes on from where it stands
     m_animation = new QVariantAnimation(this);

@@ -87,3 +87,10 @@ void VextilConfirmController::setFaceImages(std::shared_ptr<QList<QImage>> image
 {
     m_confirmView->setFaceImages(std::move(images));
 }
+
+void VextilConfirmController::viewDidAppear(bool animated)
+{
+    VextilBaseViewController::viewDidAppear(animated);
+    // Keyboard users start on the answer most of them give; Tab reaches the other one.
+    m_confirmView->acceptButton()->setFocus(Qt::OtherFocusReason);
+}

@@ -1,6 +1,7 @@
 #include "review/VextilConfirmView.h"
 
 #include "core/VextilTranslation.h"
+#include "ui/VextilAccessibility.h"
 #include "ui/VextilFrame.h"
 #include "ui/VextilSchemeAccess.h"
 
@@ -53,6 +54,7 @@ VextilConfirmView::VextilConfirmView(QWidget *parent) : QWidget(parent)
 void VextilConfirmView::setupView()
 {
     m_imageView = new PhotoView(this, this);
+    VextilAccessibility::setRole(m_imageView, QAccessible::Graphic);  // before anything asks about it
     m_imageView->setAccessibleName(translated("Captured photo"));
     m_messageLabel = new QLabel(this);
     QFont font = m_messageLabel->font();

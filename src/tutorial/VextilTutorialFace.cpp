@@ -30,6 +30,7 @@ void VextilTutorialFace::setupViews()
         labels[i]->setText(text);
         labels[i]->setAccessibleName(text);
         icons[i]->setImageName(images[i]);
+        icons[i]->setAccessibleName(text);
         icons[i]->setTintColor(iconColor);  // all four in one colour, as templates
     }
     updateConstraints();

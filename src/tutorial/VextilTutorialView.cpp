@@ -232,6 +232,7 @@ void VextilTutorialView::fadeIn(int durationMs)
     setGraphicsEffect(opacity);
     show();
     raise();
+    m_nextButton->setFocus(Qt::OtherFocusReason);  // a keyboard user answers it with the space bar
     m_fadeIn = new QPropertyAnimation(opacity, "opacity", this);
     m_fadeIn->setDuration(durationMs);
     m_fadeIn->setEndValue(shown);

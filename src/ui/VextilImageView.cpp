@@ -1,11 +1,13 @@
 #include "ui/VextilImageView.h"
 
+#include "ui/VextilAccessibility.h"
 #include "ui/VextilImages.h"
 
 #include <QPainter>
 
 VextilImageView::VextilImageView(const QString &imageName, QWidget *parent) : QWidget(parent), m_name(imageName)
 {
+    VextilAccessibility::install();  // an image, to assistive technology
     setAttribute(Qt::WA_TranslucentBackground);
 }
 
