@@ -11,7 +11,7 @@ packages=(
   libgtest-dev libgmock-dev
   libssl-dev libcpp-httplib-dev
   clang libclang-rt-14-dev
-  doxygen
+  doxygen dpkg-dev
 )
 
 missing=()
