@@ -3,6 +3,7 @@
 #include "ui/VextilImages.h"
 
 #include <QFontMetricsF>
+#include <QFocusEvent>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -32,6 +33,18 @@ QSize VextilButton::sizeHint() const
     return (content.grownBy(m_contentInsets)).toSize();
 }
 
+void VextilButton::focusInEvent(QFocusEvent *event)
+{
+    m_keyboardFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QAbstractButton::focusInEvent(event);
+}
+
+void VextilButton::focusOutEvent(QFocusEvent *event)
+{
+    m_keyboardFocus = false;
+    QAbstractButton::focusOutEvent(event);
+}
+
 void VextilButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
@@ -40,6 +53,11 @@ void VextilButton::paintEvent(QPaintEvent *)
         QPainterPath shape;
         shape.addRoundedRect(QRectF(rect()), m_radius, m_radius);
         painter.fillPath(shape, isDown() ? m_background.darker(115) : m_background);
+    }
+    if (showsFocusRing()) {
+        // Only for the keyboard: a tap or a focus given on appearing shows nothing.
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), m_radius, m_radius);
     }
     const QRectF content = QRectF(rect()).marginsRemoved(m_contentInsets);
     const QSizeF image = imageSize();

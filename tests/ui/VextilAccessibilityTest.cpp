@@ -121,8 +121,10 @@ TEST_F(Accessibility, TheTutorialAndTheReviewAreNamedAndAnsweredFromTheKeyboard)
 
     QSignalSpy accept(review->confirmView()->acceptButton(), &QAbstractButton::pressed);
     QSignalSpy retake(review->confirmView()->cancelButton(), &QAbstractButton::pressed);
+    EXPECT_FALSE(review->confirmView()->acceptButton()->showsFocusRing()) << "no ring until the keyboard is used";
     QTest::keyClick(review->confirmView()->acceptButton(), Qt::Key_Tab);
     EXPECT_TRUE(review->confirmView()->cancelButton()->hasFocus()) << "Tab reaches the other answer";
+    EXPECT_TRUE(review->confirmView()->cancelButton()->showsFocusRing()) << "and shows where it is";
     QTest::keyClick(review->confirmView()->cancelButton(), Qt::Key_Space);
     EXPECT_EQ(retake.count(), 1);
     EXPECT_EQ(accept.count(), 0);
