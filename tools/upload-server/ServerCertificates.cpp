@@ -43,28 +43,32 @@ void addExtension(X509 *cert, X509 *issuer, int nid, const char *value)
 
 }  // namespace
 
+ServerCertificates::Certificate ServerCertificates::issue(const char *commonName, EVP_PKEY *key, X509 *issuer,
+                                                         EVP_PKEY *issuerKey, bool authority)
+{
+    Certificate cert = newCertificate(commonName, key);
+    X509 *signer = issuer ? issuer : cert.get();  // no issuer: self-signed
+    X509_set_issuer_name(cert.get(), X509_get_subject_name(signer));
+    addExtension(cert.get(), signer, NID_basic_constraints, authority ? "critical,CA:TRUE" : "critical,CA:FALSE");
+    if (authority) {
+        addExtension(cert.get(), signer, NID_key_usage, "critical,keyCertSign,cRLSign");
+        addExtension(cert.get(), signer, NID_subject_key_identifier, "hash");
+    } else {
+        addExtension(cert.get(), signer, NID_ext_key_usage, "serverAuth");
+        addExtension(cert.get(), signer, NID_subject_alt_name, "DNS:localhost,IP:127.0.0.1,IP:::1");
+        addExtension(cert.get(), signer, NID_authority_key_identifier, "keyid:always");
+    }
+    X509_sign(cert.get(), issuerKey ? issuerKey : key, EVP_sha256());
+    return cert;
+}
+
 ServerCertificates ServerCertificates::generate()
 {
     ServerCertificates result;
     Key authorityKey(EVP_EC_gen("P-256"));
     result.key.reset(EVP_EC_gen("P-256"));
-
-    result.authority = newCertificate("VextilToolkit reference upload CA", authorityKey.get());
-    X509 *ca = result.authority.get();
-    X509_set_issuer_name(ca, X509_get_subject_name(ca));
-    addExtension(ca, ca, NID_basic_constraints, "critical,CA:TRUE");
-    addExtension(ca, ca, NID_key_usage, "critical,keyCertSign,cRLSign");
-    addExtension(ca, ca, NID_subject_key_identifier, "hash");
-    X509_sign(ca, authorityKey.get(), EVP_sha256());
-
-    result.certificate = newCertificate("localhost", result.key.get());
-    X509 *leaf = result.certificate.get();
-    X509_set_issuer_name(leaf, X509_get_subject_name(ca));
-    addExtension(leaf, ca, NID_basic_constraints, "critical,CA:FALSE");
-    addExtension(leaf, ca, NID_ext_key_usage, "serverAuth");
-    addExtension(leaf, ca, NID_subject_alt_name, "DNS:localhost,IP:127.0.0.1,IP:::1");
-    addExtension(leaf, ca, NID_authority_key_identifier, "keyid:always");
-    X509_sign(leaf, authorityKey.get(), EVP_sha256());
+    result.authority = issue("VextilToolkit reference upload CA", authorityKey.get(), nullptr, nullptr, true);
+    result.certificate = issue("localhost", result.key.get(), result.authority.get(), authorityKey.get(), false);
     return result;
 }
 

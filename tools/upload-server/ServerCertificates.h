@@ -19,6 +19,9 @@ public:
 
     // A new authority, and a certificate for localhost and 127.0.0.1 that it signs.
     static ServerCertificates generate();
+    // A certificate for `key`: an authority, or a server certificate for localhost and
+    // 127.0.0.1; signed by `issuer` with `issuerKey`, or by itself when they are null.
+    static Certificate issue(const char *commonName, EVP_PKEY *key, X509 *issuer, EVP_PKEY *issuerKey, bool authority);
     // The certificate and key of these PEM files; empty members when either cannot be read.
     static ServerCertificates load(const std::string &certificatePath, const std::string &keyPath);
 
