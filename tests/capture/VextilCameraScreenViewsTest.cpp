@@ -4,6 +4,7 @@
 #include "capture/VextilFaceProgressBar.h"
 #include "capture/VextilFaceProgressBoxView.h"
 #include "capture/VextilVideoPreview.h"
+#include "ManualSource.h"
 #include "tutorial/VextilTutorialFace.h"
 
 #include <QTest>
@@ -42,25 +43,14 @@ TEST(FaceCameraView, StartsWhiteAndEachToggleSwapsTheFrames)
     EXPECT_TRUE(view.popupLabel()->isHidden());
 }
 
-// A camera that delivers only what the test hands it.
-class SilentSource : public VextilFrameSource {
-public:
-    void push(const VextilCameraFrame &frame) { deliver(frame); }
-    void start() override {}
-    void stop() override {}
-    bool isRunning() const override { return false; }
-    QString description() const override { return QStringLiteral("silent"); }
-    bool isAvailable() const override { return true; }
-};
-
 TEST(FaceCameraScreen, ConvertsOnlyTheFramesItAnalysesAndNoneUnderTheTutorial)
 {
     QWidget host;
     host.resize(390, 844);
     host.show();
     auto *camera = new VextilFaceCameraViewController;
-    auto source = std::make_unique<SilentSource>();
-    SilentSource *feed = source.get();
+    auto source = std::make_unique<ManualSource>();
+    ManualSource *feed = source.get();
     camera->setFrameSource(std::move(source));
     VextilBaseViewController::present(&host, camera, false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return camera->isVisible(); }, 2000));
@@ -101,7 +91,7 @@ TEST(FaceCameraScreen, CarriesTheModelsCallsFromTheCaptureThreadToItsViewsInCall
     host.show();
     auto *camera = new VextilFaceCameraViewController;
     camera->setPresentTutorial(false);
-    camera->setFrameSource(std::make_unique<SilentSource>());
+    camera->setFrameSource(std::make_unique<ManualSource>());
     VextilBaseViewController::present(&host, camera, false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return camera->isVisible(); }, 2000));
     settle();  // the reset's own updates land first

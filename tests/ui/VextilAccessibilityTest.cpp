@@ -5,6 +5,7 @@
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBar.h"
 #include "capture/VextilFaceProgressBoxView.h"
+#include "ManualSource.h"
 #include "review/VextilConfirmView.h"
 #include "tutorial/VextilTutorialFace.h"
 
@@ -37,15 +38,6 @@ struct Walk {
     }
 };
 
-class SilentSource : public VextilFrameSource {
-public:
-    void start() override {}
-    void stop() override {}
-    bool isRunning() const override { return false; }
-    QString description() const override { return QStringLiteral("silent"); }
-    bool isAvailable() const override { return true; }
-};
-
 class Accessibility : public ::testing::Test {
 protected:
     void SetUp() override
@@ -61,7 +53,7 @@ TEST_F(Accessibility, TheCameraScreenNamesItsPartsAndItsProgressBarHasAValue)
 {
     auto *camera = new VextilFaceCameraViewController;
     camera->setPresentTutorial(false);
-    camera->setFrameSource(std::make_unique<SilentSource>());
+    camera->setFrameSource(std::make_unique<ManualSource>());
     VextilBaseViewController::present(&host, camera, false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return camera->isVisible(); }, 2000));
     QTest::qWait(50);
