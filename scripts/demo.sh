@@ -11,25 +11,14 @@ out=$root/out
 rm -rf "$out/uploads" "$out/screenshots"
 mkdir -p "$out"
 key=demo-key
-"$root/build/tools/upload-server/vextil_upload_server" --port 0 --key "$key" --storage "$out/uploads" >"$out/server.log" 2>&1 &
-server=$!
-trap 'kill "$server" 2>/dev/null || true' EXIT
-for _ in $(seq 100); do
-  grep -q "listening on" "$out/server.log" && break
-  sleep 0.1
-done
-port=$(grep -o 'https://127.0.0.1:[0-9]*' "$out/server.log" | head -1 | cut -d: -f3)
-if [ -z "$port" ]; then
-  echo "the reference upload server did not start:" >&2
-  cat "$out/server.log" >&2
-  exit 1
-fi
-authority=$(sed -n 's/^certificate authority: //p' "$out/server.log")
-echo "reference upload server on https://127.0.0.1:$port/file"
+source "$root/scripts/reference-server.sh"
+trap 'kill "${server:-}" 2>/dev/null || true' EXIT
+start_reference_server "$root/build" "$out/server.log" "$key" --storage "$out/uploads"
+echo "reference upload server on https://$host/file"
 
 # The demo host sets the upload host and the server's authority in code, as a host does.
 QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$root/build/examples/demo-host/vextil_demo_host" \
-  --unattended --key "$key" --upload-host "127.0.0.1:$port" --upload-ca "$authority" --screenshots "$out/screenshots"
+  --unattended --key "$key" --upload-host "$host" --upload-ca "$authority" --screenshots "$out/screenshots"
 
 echo "the server stored the upload in: $(ls -d "$out"/uploads/*/ | head -1)"
 ls "$(ls -d "$out"/uploads/*/ | head -1)"

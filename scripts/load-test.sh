@@ -8,17 +8,10 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build}
 shift || true
 work=$(mktemp -d)
-"$build/tools/upload-server/vextil_upload_server" --port 0 --key load-key --storage "$work/uploads" \
-  --read-timeout 1 >"$work/server.log" 2>&1 &
-server=$!
-trap 'kill "$server" 2>/dev/null || true; rm -rf "$work"' EXIT
-for _ in $(seq 100); do
-  grep -q "listening on" "$work/server.log" && break
-  sleep 0.1
-done
-url=$(grep -o 'https://127.0.0.1:[0-9]*' "$work/server.log" | head -1)
-ca=$(sed -n 's/^certificate authority: //p' "$work/server.log")
-if ! "$build/tools/upload-load/vextil_upload_load" --server "$url" --key load-key --ca "$ca" --storage "$work/uploads" "$@"; then
+source "$root/scripts/reference-server.sh"
+trap 'kill "${server:-}" 2>/dev/null || true; rm -rf "$work"' EXIT
+start_reference_server "$build" "$work/server.log" load-key --storage "$work/uploads" --read-timeout 1
+if ! "$build/tools/upload-load/vextil_upload_load" --server "https://$host" --key load-key --ca "$authority" --storage "$work/uploads" "$@"; then
   echo "the server's log:" >&2
   tail -20 "$work/server.log" >&2
   exit 1
