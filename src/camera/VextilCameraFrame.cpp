@@ -19,13 +19,8 @@ int quarterTurn(int degrees) { return (((degrees + 45) / 90) % 4 + 4) % 4 * 90; 
 VextilCameraFrame::VextilCameraFrame() = default;
 
 VextilCameraFrame::VextilCameraFrame(QImage image, int rotation, bool mirrored)
-    : VextilCameraFrame(image.size(), {}, rotation, mirrored)
+    : VextilCameraFrame(image.size(), [image] { return image; }, rotation, mirrored)
 {
-    if (!d)
-        return;
-    d->image = image.isNull() || image.format() == QImage::Format_RGB32 ? std::move(image)
-                                                                         : image.convertToFormat(QImage::Format_RGB32);
-    std::call_once(d->converted, [] {});
 }
 
 VextilCameraFrame::VextilCameraFrame(QSize size, std::function<QImage()> convert, int rotation, bool mirrored)
