@@ -2,7 +2,7 @@
 # The main job: installs what is missing, builds, starts the reference upload server on
 # loopback, and runs the demo host unattended over the sample selfie clip through capture,
 # review and upload; then says what the server answered, where it stored the upload and where
-# the screenshots are.
+# the screenshots are. Extra arguments go to the demo host (for example --locale de).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/build.sh" "$root/build"
@@ -18,7 +18,7 @@ echo "reference upload server on https://$host/file"
 
 # The demo host sets the upload host and the server's authority in code, as a host does.
 QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} "$root/build/examples/demo-host/vextil_demo_host" \
-  --unattended --key "$key" --upload-host "$host" --upload-ca "$authority" --screenshots "$out/screenshots"
+  --unattended --key "$key" --upload-host "$host" --upload-ca "$authority" --screenshots "$out/screenshots" "$@"
 
 echo "the server stored the upload in: $(ls -d "$out"/uploads/*/ | head -1)"
 ls "$(ls -d "$out"/uploads/*/ | head -1)"

@@ -4,6 +4,14 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/build.sh" "$root/build"
-QT_QPA_PLATFORM=offscreen "$root/build/tools/screenshots/vextil_screenshots" --out "$root/docs/images"
+shots="$root/build/tools/screenshots/vextil_screenshots"
+QT_QPA_PLATFORM=offscreen "$shots" --out "$root/docs/images"
+# The translated screens, at the phone size only: the text-heavy tutorial and review.
+languages=$(mktemp -d)
+trap 'rm -rf "$languages"' EXIT
+for locale in de es pt_BR; do
+  QT_QPA_PLATFORM=offscreen "$shots" --locale "$locale" --out "$languages"
+  cp "$languages/tutorial-390x844-$locale.png" "$languages/review-390x844-$locale.png" "$root/docs/images/"
+done
 cmake --build "$root/build" --target docs
 echo "API reference: $root/build/docs/html/index.html"

@@ -12,6 +12,7 @@ packages=(
   libssl-dev libcpp-httplib-dev
   clang libclang-rt-14-dev
   doxygen dpkg-dev
+  qt6-l10n-tools qt6-tools-dev
 )
 
 missing=()

@@ -17,6 +17,9 @@ constexpr int kGiveUpMs = 90000;
 
 // The driver sees the screens as a user does, through what they show: buttons by their titles,
 // parts by their accessible names. The toolkit's view classes are its own business.
+// The toolkit's text as the user sees it, in the language its translation put in force.
+QString toolkitText(const char *english) { return QCoreApplication::translate("VextilToolkit", english); }
+
 QAbstractButton *shownButton(QWidget *screen, const QString &title)
 {
     for (QAbstractButton *button : screen->findChildren<QAbstractButton *>())
@@ -99,17 +102,17 @@ void UnattendedDriver::poll()
         return;
     const auto once = [this](const QString &step) { return !std::exchange(m_done, m_done + QSet<QString>{step}).contains(step); };
     // The tutorial: looked at, then answered.
-    if (QAbstractButton *gotIt = shownButton(camera, QStringLiteral("OK, I got it"))) {
+    if (QAbstractButton *gotIt = shownButton(camera, toolkitText("OK, I got it"))) {
         if (m_sinceStart.elapsed() > 1200 && once(QStringLiteral("tutorial"))) {
             shoot(QStringLiteral("1-tutorial"), camera);
             Q_EMIT gotIt->pressed();
         }
         return;
     }
-    if (QWidget *progress = shownPart(camera, QStringLiteral("Progress"));
+    if (QWidget *progress = shownPart(camera, toolkitText("Progress"));
         progress && progress->property("strokeEnd").toDouble() >= 0.4 && once(QStringLiteral("collecting")))
         shoot(QStringLiteral("2-camera-collecting"), camera);
-    if (showsText(camera, QStringLiteral("SMILE!")) && once(QStringLiteral("smile")))
+    if (showsText(camera, toolkitText("SMILE!")) && once(QStringLiteral("smile")))
         shoot(QStringLiteral("3-camera-smile"), camera);
 
     VextilConfirmController *review = face->confirmController();
@@ -121,7 +124,7 @@ void UnattendedDriver::poll()
             if (!review)
                 return;
             shoot(QStringLiteral("4-review"), review);
-            if (QAbstractButton *send = shownButton(review, QStringLiteral("Yes, send")))
+            if (QAbstractButton *send = shownButton(review, toolkitText("Yes, send")))
                 Q_EMIT send->pressed();
         });
     }

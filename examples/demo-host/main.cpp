@@ -1,6 +1,6 @@
 // vextil_demo_host: a small host application of the toolkit.
 //   vextil_demo_host [--key KEY] [--upload-host HOST:PORT] [--upload-ca PEM] [--camera-file CLIP]
-//                    [--scheme] [--no-tutorial] [--unattended --screenshots DIR]
+//                    [--locale NAME] [--scheme] [--no-tutorial] [--unattended --screenshots DIR]
 // The upload goes to --upload-host, set in code as a host would; without it, to the build's
 // default (or VEXTIL_UPLOAD_HOST in development builds).
 
@@ -44,6 +44,8 @@ int main(int argc, char **argv)
     options.addOption({QStringLiteral("upload-ca"), QStringLiteral("PEM file of an extra authority to trust for the upload."),
                        QStringLiteral("file")});
     options.addOption({QStringLiteral("camera-file"), QStringLiteral("Video file standing in for the camera."), QStringLiteral("file")});
+    options.addOption({QStringLiteral("locale"), QStringLiteral("Language of the toolkit's screens, such as de, es or pt_BR; the system's by default."),
+                       QStringLiteral("name")});
     options.addOption({QStringLiteral("scheme"), QStringLiteral("Use the host's own colour scheme.")});
     options.addOption({QStringLiteral("no-tutorial"), QStringLiteral("Open the camera without the tutorial.")});
     options.addOption({QStringLiteral("unattended"), QStringLiteral("Answer every screen automatically, then quit.")});
@@ -52,6 +54,9 @@ int main(int argc, char **argv)
     options.process(app);
 
     VextilToolkitSettings::sharedInstance()->initWithAuthKey(options.value(QStringLiteral("key")));
+    const QLocale locale = options.isSet(QStringLiteral("locale")) ? QLocale(options.value(QStringLiteral("locale"))) : QLocale::system();
+    if (!VextilToolkitSettings::sharedInstance()->installTranslations(locale) && options.isSet(QStringLiteral("locale")))
+        std::fprintf(stderr, "note: no translation for %s; the screens stay in English\n", qPrintable(locale.name()));
     VextilRepository *store = VextilRepository::sharedInstance();
     store->setUploadHost(options.value(QStringLiteral("upload-host")));
     if (options.isSet(QStringLiteral("upload-ca"))) {

@@ -3,8 +3,12 @@
 #include <VextilToolkit/VextilColorScheme.h>
 #include <VextilToolkit/VextilToolkitExport.h>
 
+#include <QLocale>
 #include <QMutex>
+#include <QPointer>
 #include <QString>
+#include <QStringList>
+#include <QTranslator>
 
 #include <memory>
 #include <optional>
@@ -42,8 +46,20 @@ public:
     void setReduceTransparency(bool reduce);
     bool isReduceTransparencyEnabled() const;
 
+    /// Installs the toolkit's own translation of its screens for the locale, replacing one it
+    /// installed before: the locale's UI languages are tried in order (pt_BR, then pt), then any
+    /// shipped translation of the same language. True when a translation, or English itself, is
+    /// in force; false leaves the English texts. Screens built afterwards use it; a translator
+    /// the host installs later for the context "VextilToolkit" takes precedence. GUI thread,
+    /// after the QCoreApplication exists.
+    bool installTranslations(const QLocale &locale);
+    /// The locales the toolkit ships a translation for, by name ("de", "es", "pt_BR").
+    static QStringList availableTranslations();
+
 private:
     VextilToolkitSettings();
+    void removeTranslations();
+    QPointer<QTranslator> m_translator;
     mutable QMutex m_mutex;
     std::optional<QString> m_authKey;
     std::shared_ptr<VextilColorScheme> m_colorScheme;

@@ -4,7 +4,7 @@
 
 #include "core/VextilLocked.h"
 #include "core/VextilMainQueue.h"
-#include "core/VextilTranslation.h"
+#include "core/VextilTexts.h"
 
 #include <cmath>
 #include <limits>
@@ -213,15 +213,15 @@ void VextilFaceCameraModel::setUItoState(VextilFaceCaptureState state)
 
     switch (currentState()) {
     case VextilFaceCaptureStateAwaitingSmile:
-        delegate->updateMessageText(translated("Checking your face"));
+        delegate->updateMessageText(VextilTexts::tr("Checking your face"));
         delegate->isPopupViewHidden(false);
         delegate->isProgressBarHidden(true);
         break;
     case VextilFaceCaptureStateCollectingFaces:
     case VextilFaceCaptureStateLookingForFace:
         delegate->updateMessageText(currentState() == VextilFaceCaptureStateCollectingFaces
-                                        ? translated("Checking your face")
-                                        : translated("Looking for face"));
+                                        ? VextilTexts::tr("Checking your face")
+                                        : VextilTexts::tr("Looking for face"));
         delegate->isPopupViewHidden(true);
         delegate->isProgressBarHidden(false);
         delegate->updateProgressView(neutralCount() / double(kNeutralImages));
@@ -257,7 +257,7 @@ void VextilFaceCameraModel::clearData()
 
 QString VextilFaceCameraModel::getFirstMessageText() const
 {
-    return translated("Looking for face");
+    return VextilTexts::tr("Looking for face");
 }
 
 VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesArray() const { return readLocked(m_mutex, m_facesArray); }

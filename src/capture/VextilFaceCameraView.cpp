@@ -1,6 +1,6 @@
 #include "capture/VextilFaceCameraView.h"
 
-#include "core/VextilTranslation.h"
+#include "core/VextilTexts.h"
 #include "ui/VextilAccessibility.h"
 #include "ui/VextilFrame.h"
 
@@ -46,8 +46,8 @@ void VextilFaceCameraView::setupViews()
     m_greenMask = new VextilImageView(QStringLiteral("borda_verde"), this);
     m_greenMask->setContentMode(VextilImageView::ContentMode::ScaleAspectFill);
     m_greenMask->hide();
-    m_whiteMask->setAccessibleName(translated("Face frame"));
-    m_greenMask->setAccessibleName(translated("Face frame, face found"));
+    m_whiteMask->setAccessibleName(VextilTexts::tr("Face frame"));
+    m_greenMask->setAccessibleName(VextilTexts::tr("Face frame, face found"));
     m_logo = new VextilImageView(QStringLiteral("logo_vextil"), this);
     m_logo->setAccessibleName(QStringLiteral("Vextil"));
 
@@ -62,7 +62,7 @@ void VextilFaceCameraView::setupViews()
     QPalette palette = m_popupLabel->palette();
     palette.setColor(QPalette::WindowText, popupTextColor());
     m_popupLabel->setPalette(palette);
-    m_popupLabel->setText(translated("SMILE!"));
+    m_popupLabel->setText(VextilTexts::tr("SMILE!"));
     m_popupLabel->hide();
 }
 

@@ -8,7 +8,7 @@
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBoxView.h"
 #include "core/VextilMainQueue.h"
-#include "core/VextilTranslation.h"
+#include "core/VextilTexts.h"
 #include "tutorial/VextilTutorialFace.h"
 #include "ui/NavigationBarView.h"
 #include "ui/VextilFrame.h"
@@ -100,7 +100,7 @@ void VextilFaceCameraViewController::viewDidAppear(bool)
 
 void VextilFaceCameraViewController::setupView()
 {
-    m_navigationView = new NavigationBarView(translated("Register selfie"), true, this);
+    m_navigationView = new NavigationBarView(VextilTexts::tr("Register selfie"), true, this);
     connect(m_navigationView->helpButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::presentTutorialPopUp);
     connect(m_navigationView->backButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::didCancel);
     m_faceCameraView = new VextilFaceCameraView(this);

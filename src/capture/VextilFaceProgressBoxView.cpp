@@ -1,6 +1,6 @@
 #include "capture/VextilFaceProgressBoxView.h"
 
-#include "core/VextilTranslation.h"
+#include "core/VextilTexts.h"
 #include "ui/VextilFrame.h"
 
 VextilFaceProgressBoxView::VextilFaceProgressBoxView(QWidget *parent) : QWidget(parent), m_defaultColor(Qt::white)
@@ -21,7 +21,7 @@ void VextilFaceProgressBoxView::setupViews()
     palette.setColor(QPalette::WindowText, m_defaultColor);
     m_label->setPalette(palette);
     m_bar = new VextilFaceProgressBar(this);
-    m_bar->setAccessibleName(translated("Progress"));
+    m_bar->setAccessibleName(VextilTexts::tr("Progress"));
 }
 
 void VextilFaceProgressBoxView::setupConstraints()

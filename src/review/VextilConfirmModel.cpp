@@ -2,27 +2,27 @@
 
 #include <VextilToolkit/VextilRepository.h>
 
-#include "core/VextilTranslation.h"
+#include "core/VextilTexts.h"
 
 #include <QCoreApplication>
 
 QString VextilConfirmModel::getMessageText() const
 {
     // The selfie case asks about a "video": that is the wording the backend's users know.
-    return m_isDocument ? translated("Are all the fields in the above document readable?")
-                        : translated("Do you want to submit this video for review?");
+    return m_isDocument ? VextilTexts::tr("Are all the fields in the above document readable?")
+                        : VextilTexts::tr("Do you want to submit this video for review?");
 }
 
 QString VextilConfirmModel::getAcceptButtonText() const
 {
-    return m_isDocument ? translated("Yes, send document") : translated("Yes, send");
+    return m_isDocument ? VextilTexts::tr("Yes, send document") : VextilTexts::tr("Yes, send");
 }
 
-QString VextilConfirmModel::getCancelButtonText() const { return translated("No, take another photo."); }
+QString VextilConfirmModel::getCancelButtonText() const { return VextilTexts::tr("No, take another photo."); }
 
 QString VextilConfirmModel::getNavigationTitle() const
 {
-    return m_isDocument ? translated("Send document") : translated("Send selfie");
+    return m_isDocument ? VextilTexts::tr("Send document") : VextilTexts::tr("Send selfie");
 }
 
 void VextilConfirmModel::getImages() const

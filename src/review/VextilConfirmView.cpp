@@ -1,6 +1,6 @@
 #include "review/VextilConfirmView.h"
 
-#include "core/VextilTranslation.h"
+#include "core/VextilTexts.h"
 #include "ui/VextilAccessibility.h"
 #include "ui/VextilFrame.h"
 #include "ui/VextilSchemeAccess.h"
@@ -55,7 +55,7 @@ void VextilConfirmView::setupView()
 {
     m_imageView = new PhotoView(this, this);
     VextilAccessibility::setRole(m_imageView, QAccessible::Graphic);  // before anything asks about it
-    m_imageView->setAccessibleName(translated("Captured photo"));
+    m_imageView->setAccessibleName(VextilTexts::tr("Captured photo"));
     m_messageLabel = new QLabel(this);
     QFont font = m_messageLabel->font();
     font.setPixelSize(18);
@@ -68,7 +68,7 @@ void VextilConfirmView::setupView()
     font.setPixelSize(16);
     font.setWeight(QFont::Bold);
     m_acceptButton->setFont(font);
-    setAcceptButtonText(translated("Yes, send"));
+    setAcceptButtonText(VextilTexts::tr("Yes, send"));
 
     m_cancelButton = new VextilButton(this);
     m_cancelButton->setCornerRadius(5);
@@ -76,7 +76,7 @@ void VextilConfirmView::setupView()
     m_cancelButton->setFont(font);
     m_cancelButton->setImageName(QStringLiteral("reload_icon"));
     m_cancelButton->setTintColor(QColor());  // the icon keeps its own colours
-    setCancelButtonText(translated("No, take another photo."));
+    setCancelButtonText(VextilTexts::tr("No, take another photo."));
 }
 
 void VextilConfirmView::setupConstraints()

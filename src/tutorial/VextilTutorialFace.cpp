@@ -1,6 +1,6 @@
 #include "tutorial/VextilTutorialFace.h"
 
-#include "core/VextilTranslation.h"
+#include "core/VextilTexts.h"
 #include "ui/VextilSchemeAccess.h"
 
 #include <QCoreApplication>
@@ -12,8 +12,13 @@ VextilTutorialFace::VextilTutorialFace(QWidget *parent) : VextilTutorialView(par
 
 QStringList VextilTutorialFace::tipTexts()
 {
-    return {QStringLiteral("Look for a brighter spot  with no light reflection"), QStringLiteral("Remove any glasses and hat"),
-            QStringLiteral("Smile to save the photo"), QStringLiteral("The photo is taken automatically")};
+    // The double blank in the first tip is part of its translation key.
+    static const char *const tips[] = {
+        QT_TRANSLATE_NOOP("VextilToolkit", "Look for a brighter spot  with no light reflection"),
+        QT_TRANSLATE_NOOP("VextilToolkit", "Remove any glasses and hat"),
+        QT_TRANSLATE_NOOP("VextilToolkit", "Smile to save the photo"),
+        QT_TRANSLATE_NOOP("VextilToolkit", "The photo is taken automatically")};
+    return {QLatin1String(tips[0]), QLatin1String(tips[1]), QLatin1String(tips[2]), QLatin1String(tips[3])};
 }
 
 void VextilTutorialFace::setupViews()
@@ -21,14 +26,13 @@ void VextilTutorialFace::setupViews()
     const QColor iconColor = currentColorScheme()->popUpIconColorForState(kVextilHighlighted);
     const QStringList images{QStringLiteral("ilustra_light"), QStringLiteral("ilustraHat"), QStringLiteral("ilustraSmile"),
                              QStringLiteral("ilustra_automatic")};
-    QLabel *labels[4] = {topLeftTipLabel(), topRightTipLabel(), bottomLeftTipLabel(), bottomRightTipLabel()};
+    VextilLabel *labels[4] = {topLeftTipLabel(), topRightTipLabel(), bottomLeftTipLabel(), bottomRightTipLabel()};
     VextilImageView *icons[4] = {topLeftIconImageView(), topRightIconImageView(), bottomLeftIconImageView(),
                                  bottomRightImageView()};
     const QStringList texts = tipTexts();
     for (int i = 0; i < 4; ++i) {
-        const QString text = translated(texts[i].toUtf8().constData());
+        const QString text = VextilTexts::tr(texts[i].toLatin1().constData());
         labels[i]->setText(text);
-        labels[i]->setAccessibleName(text);
         icons[i]->setImageName(images[i]);
         icons[i]->setAccessibleName(text);
         icons[i]->setTintColor(iconColor);  // all four in one colour, as templates

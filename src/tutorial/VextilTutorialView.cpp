@@ -1,6 +1,6 @@
 #include "tutorial/VextilTutorialView.h"
 
-#include "core/VextilTranslation.h"
+#include "core/VextilTexts.h"
 #include "ui/VextilFrame.h"
 #include "ui/VextilSchemeAccess.h"
 
@@ -135,18 +135,19 @@ void VextilTutorialView::addViews()
         icon->setContentMode(VextilImageView::ContentMode::ScaleAspectFit);
     }
     for (auto &label : m_labels) {
-        label = new QLabel(m_content);
+        label = new VextilLabel(m_content);
         QPalette palette = label->palette();
         palette.setColor(QPalette::WindowText, scheme->popUpTextColor());
         label->setPalette(palette);
         label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         QFont font = label->font();
         font.setPixelSize(10);
-        label->setFont(font);
-        label->setWordWrap(true);  // three lines fit the fixed height
+        label->setBaseFont(font);
+        label->setWordWrap(true);
+        label->setMaximumLines(3);  // what the fixed height holds; a longer caption ends in "…"
     }
     m_nextButton = new VextilButton(m_content);
-    m_nextButton->setText(translated("OK, I got it"));
+    m_nextButton->setText(VextilTexts::tr("OK, I got it"));
     m_nextButton->setAccessibleName(m_nextButton->text());
     m_nextButton->setTitleColor(scheme->popUpButtonTintColorForState(kVextilHighlighted));
     QFont font = m_nextButton->font();

@@ -2,8 +2,8 @@
 
 #include "ui/VextilButton.h"
 #include "ui/VextilImageView.h"
+#include "ui/VextilLabel.h"
 
-#include <QLabel>
 #include <QPointer>
 #include <QPropertyAnimation>
 #include <QWidget>
@@ -27,10 +27,10 @@ public:
     /// The blurred backdrop; not part of the pop-up when reduced transparency is on.
     QWidget *blurEffectView() const { return m_blur; }
     QWidget *contentView() const { return m_content; }
-    QLabel *topLeftTipLabel() const { return m_labels[0]; }
-    QLabel *topRightTipLabel() const { return m_labels[1]; }
-    QLabel *bottomLeftTipLabel() const { return m_labels[2]; }
-    QLabel *bottomRightTipLabel() const { return m_labels[3]; }
+    VextilLabel *topLeftTipLabel() const { return m_labels[0]; }
+    VextilLabel *topRightTipLabel() const { return m_labels[1]; }
+    VextilLabel *bottomLeftTipLabel() const { return m_labels[2]; }
+    VextilLabel *bottomRightTipLabel() const { return m_labels[3]; }
     VextilButton *nextButton() const { return m_nextButton; }
 
     /// Called exactly once, after the pop-up has faded out and left its parent.
@@ -61,7 +61,7 @@ private:
     QWidget *m_blur = nullptr;
     QWidget *m_content = nullptr;
     VextilImageView *m_icons[4] = {};
-    QLabel *m_labels[4] = {};
+    VextilLabel *m_labels[4] = {};
     VextilButton *m_nextButton = nullptr;
     std::function<void()> m_completionHandler;
     bool m_reduceTransparency = false;

@@ -1,6 +1,6 @@
 #include "ui/NavigationBarView.h"
 
-#include "core/VextilTranslation.h"
+#include "core/VextilTexts.h"
 #include "ui/VextilFrame.h"
 
 #include <QCoreApplication>
@@ -25,7 +25,7 @@ VextilButton *NavigationBarView::makeIconButton(const QString &image, const QStr
 
 void NavigationBarView::setupViews()
 {
-    m_backButton = makeIconButton(backButtonImage(), translated("Back"));
+    m_backButton = makeIconButton(backButtonImage(), VextilTexts::tr("Back"));
     m_titleLabel = new VextilLabel(this);
     QFont font = m_titleLabel->font();
     font.setPixelSize(16);
@@ -34,7 +34,7 @@ void NavigationBarView::setupViews()
     m_titleLabel->setMinimumScaleFactor(0.7);
     m_titleLabel->setText(m_navigationTitle);
     if (m_showHelpButton)
-        m_helpButton = makeIconButton(helpButtonImage(), translated("Help"));
+        m_helpButton = makeIconButton(helpButtonImage(), VextilTexts::tr("Help"));
 }
 
 void NavigationBarView::setupConstraints()

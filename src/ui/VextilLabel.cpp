@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QFontMetricsF>
+#include <QTextLayout>
 
 VextilLabel::VextilLabel(QWidget *parent) : QLabel(parent), m_baseFont(font()) {}
 
@@ -20,6 +21,12 @@ void VextilLabel::setMinimumScaleFactor(double factor)
 void VextilLabel::setBaseFont(const QFont &font)
 {
     m_baseFont = font;
+    fit();
+}
+
+void VextilLabel::setMaximumLines(int lines)
+{
+    m_maximumLines = lines;
     fit();
 }
 
@@ -45,7 +52,7 @@ void VextilLabel::fit()
     QFont font = m_baseFont;
     if (wordWrap() || width() <= 0) {
         setFont(font);
-        QLabel::setText(m_text);
+        QLabel::setText(wordWrap() ? wrappedText() : m_text);
         return;
     }
     const qreal base = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF();
@@ -65,4 +72,29 @@ void VextilLabel::fit()
     }
     setFont(font);
     QLabel::setText(QFontMetricsF(font).elidedText(m_text, Qt::ElideRight, width()));
+}
+
+// The text cut to the line limit: the lines that fit as they wrap, the last one elided, with
+// explicit breaks so that the label wraps them the same way.
+QString VextilLabel::wrappedText() const
+{
+    const qreal width = contentsRect().width();
+    if (m_maximumLines <= 0 || width <= 0)
+        return m_text;
+    QTextLayout layout(m_text, font());
+    QTextOption option(alignment());
+    option.setWrapMode(QTextOption::WordWrap);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    QStringList lines;
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        if (lines.size() == m_maximumLines - 1) {  // the last line allowed takes all that is left
+            lines.append(QFontMetricsF(font()).elidedText(m_text.mid(line.textStart()).simplified(), Qt::ElideRight, width));
+            break;
+        }
+        lines.append(m_text.mid(line.textStart(), line.textLength()).trimmed());
+    }
+    layout.endLayout();
+    return lines.size() < m_maximumLines || !lines.last().endsWith(QChar(0x2026)) ? m_text : lines.join(u'\n');
 }

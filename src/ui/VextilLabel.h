@@ -2,7 +2,8 @@
 
 #include <QLabel>
 
-/// A label that can shrink its font to fit its width before eliding, down to a minimum scale.
+/// A label that can shrink its font to fit its width before eliding, down to a minimum scale, or
+/// wrap to a number of lines and elide the last.
 class VextilLabel : public QLabel {
     Q_OBJECT
 public:
@@ -15,6 +16,9 @@ public:
     /// The font used when the text fits; the label's font may be smaller.
     void setBaseFont(const QFont &font);
     QFont baseFont() const { return m_baseFont; }
+    /// With word wrap on, the most lines shown; a longer text ends its last line in an ellipsis
+    /// (0, the default, means no limit).
+    void setMaximumLines(int lines);
     /// Sets the text, announcing the change to assistive technology.
     void setText(const QString &text);
     /// The whole text, even when it is shown elided.
@@ -25,8 +29,10 @@ protected:
 
 private:
     void fit();
+    QString wrappedText() const;
     QString m_text;
     QFont m_baseFont;
     bool m_adjusts = false;
     double m_minimumScale = 0;
+    int m_maximumLines = 0;
 };

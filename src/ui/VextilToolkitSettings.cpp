@@ -5,6 +5,27 @@
 
 #include "core/VextilLocked.h"
 
+#include <QCoreApplication>
+#include <QDir>
+
+namespace {
+
+const QString kTranslationsDir = QStringLiteral(":/VextilToolkit/translations");
+const QString kTranslationPrefix = QStringLiteral("vextiltoolkit_");
+
+// The shipped translation of the locale's language in some other region (pt_PT gets pt_BR),
+// since it reads better to its users than English.
+QString sameLanguageTranslation(const QLocale &locale)
+{
+    for (const QString &name : VextilToolkitSettings::availableTranslations()) {
+        if (QLocale(name).language() == locale.language())
+            return kTranslationsDir + u'/' + kTranslationPrefix + name + QStringLiteral(".qm");
+    }
+    return {};
+}
+
+}  // namespace
+
 VextilToolkitSettings::VextilToolkitSettings() : m_colorScheme(std::make_shared<VextilDefaultColorScheme>()) {}
 
 VextilToolkitSettings *VextilToolkitSettings::sharedInstance()
@@ -34,3 +55,35 @@ void VextilToolkitSettings::setReduceTransparency(bool reduce) { writeLocked(m_m
 bool VextilToolkitSettings::isReduceTransparencyEnabled() const { return readLocked(m_mutex, m_reduceTransparency); }
 void VextilToolkitSettings::setMirrorsPreview(bool mirrors) { writeLocked(m_mutex, m_mirrorsPreview, mirrors); }
 bool VextilToolkitSettings::mirrorsPreview() const { return readLocked(m_mutex, m_mirrorsPreview); }
+
+QStringList VextilToolkitSettings::availableTranslations()
+{
+    QStringList names;
+    for (const QString &file : QDir(kTranslationsDir).entryList({kTranslationPrefix + u'*'}, QDir::Files, QDir::Name))
+        names.append(file.mid(kTranslationPrefix.size()).chopped(3));  // without ".qm"
+    return names;
+}
+
+bool VextilToolkitSettings::installTranslations(const QLocale &locale)
+{
+    removeTranslations();
+    if (locale.language() == QLocale::English)
+        return true;  // the texts are written in English
+    auto translator = std::make_unique<QTranslator>();
+    const bool loaded = translator->load(locale, QStringLiteral("vextiltoolkit"), QStringLiteral("_"), kTranslationsDir) ||
+                        translator->load(sameLanguageTranslation(locale));
+    if (!loaded || !QCoreApplication::installTranslator(translator.get()))
+        return false;
+    // Owned by the application, so that it goes with it rather than outliving it.
+    translator->setParent(QCoreApplication::instance());
+    m_translator = translator.release();
+    return true;
+}
+
+void VextilToolkitSettings::removeTranslations()
+{
+    if (!m_translator)
+        return;
+    QCoreApplication::removeTranslator(m_translator);
+    delete m_translator;
+}

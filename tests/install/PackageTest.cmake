@@ -13,7 +13,10 @@ if(NOT count EQUAL 1)
 endif()
 run(dpkg-deb --contents ${packages})
 foreach(expected "usr/include/VextilToolkit/VextilFace.h" "usr/include/VextilToolkit/VextilToolkitExport.h"
-                 "libVextilToolkit.so.0" "cmake/VextilToolkit/VextilToolkitConfig.cmake" "pkgconfig/VextilToolkit.pc")
+                 "libVextilToolkit.so.0" "cmake/VextilToolkit/VextilToolkitConfig.cmake" "pkgconfig/VextilToolkit.pc"
+                 "usr/share/VextilToolkit/translations/vextiltoolkit_de.qm"
+                 "usr/share/VextilToolkit/translations/vextiltoolkit_es.qm"
+                 "usr/share/VextilToolkit/translations/vextiltoolkit_pt_BR.qm")
   string(FIND "${last_output}" "${expected}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "the package lacks ${expected}:\n${last_output}")

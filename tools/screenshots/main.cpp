@@ -1,14 +1,17 @@
-// vextil_screenshots [--out DIR]: renders the toolkit's screen parts offscreen at 390x844 and
+// vextil_screenshots [--out DIR] [--locale NAME]: renders the toolkit's screen parts offscreen at 390x844 and
 // 1080x1920 and saves one PNG per view and state. The camera picture is a frame of the sample
-// clip; the camera screen is assembled the way its controller lays it out.
+// clip; the camera screen is assembled the way its controller lays it out. With --locale the
+// texts are in that language and the file names end in the locale's name.
 
 #include <VextilToolkit/VextilConfirmController.h>
 #include <VextilToolkit/VextilDefaultColorScheme.h>
 #include <VextilToolkit/VextilRepository.h>
+#include <VextilToolkit/VextilToolkitSettings.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
 
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBoxView.h"
+#include "core/VextilTexts.h"
 #include "tutorial/VextilTutorialFace.h"
 #include "ui/NavigationBarView.h"
 
@@ -36,7 +39,7 @@ struct CameraScreen {
         palette.setColor(QPalette::Window, Qt::black);
         screen.setPalette(palette);
         screen.setAutoFillBackground(true);
-        bar = new NavigationBarView(QStringLiteral("Register selfie"), true, &screen);
+        bar = new NavigationBarView(VextilTexts::tr("Register selfie"), true, &screen);
         for (auto set : {&NavigationBarView::setTitleLabelTintColor, &NavigationBarView::setBackButtonTintColor,
                          &NavigationBarView::setHelpButtonTintColor})
             (bar->*set)(Qt::white);
@@ -47,7 +50,7 @@ struct CameraScreen {
         box->setGeometry(0, size.height() - 150, size.width(), 150);
         camera->setGeometry(0, barHeight, size.width(), size.height() - 150 - barHeight);
         camera->videoPreviewLayer()->setFrame(frame);
-        box->updateInstructionsLabelWithText(QStringLiteral("Looking for face"));
+        box->updateInstructionsLabelWithText(VextilTexts::tr("Looking for face"));
         screen.show();
         settle();
     }
@@ -83,20 +86,30 @@ int main(int argc, char **argv)
     options.addHelpOption();
     options.addOption({QStringLiteral("out"), QStringLiteral("Folder for the PNG files."), QStringLiteral("dir"),
                        QStringLiteral("screenshots")});
+    options.addOption({QStringLiteral("locale"), QStringLiteral("Language of the texts (de, es, pt_BR)."), QStringLiteral("name")});
     options.process(app);
+    QString language;
+    if (options.isSet(QStringLiteral("locale"))) {
+        const QLocale locale(options.value(QStringLiteral("locale")));
+        if (!VextilToolkitSettings::sharedInstance()->installTranslations(locale)) {
+            std::fprintf(stderr, "no translation for %s\n", qPrintable(locale.name()));
+            return 1;
+        }
+        language = u'-' + options.value(QStringLiteral("locale"));
+    }
     const QString out = options.value(QStringLiteral("out"));
     QDir().mkpath(out);
 
     const QImage neutral = clipFrame(40), smiling = clipFrame(120);
     bool ok = true;
     for (const QSize size : {QSize(390, 844), QSize(1080, 1920)}) {
-        const QString suffix = QStringLiteral("-%1x%2").arg(size.width()).arg(size.height());
+        const QString suffix = QStringLiteral("-%1x%2").arg(size.width()).arg(size.height()) + language;
         CameraScreen looking(size, neutral);
         ok &= save(looking.screen, out, QStringLiteral("camera-looking") + suffix);
 
         CameraScreen collecting(size, neutral);
         collecting.camera->changeMaskState();
-        collecting.box->updateInstructionsLabelWithText(QStringLiteral("Checking your face"));
+        collecting.box->updateInstructionsLabelWithText(VextilTexts::tr("Checking your face"));
         collecting.box->updateProgress(0.6);
         CameraScreen::settle();
         ok &= save(collecting.screen, out, QStringLiteral("camera-collecting") + suffix);
@@ -104,7 +117,7 @@ int main(int argc, char **argv)
         CameraScreen smile(size, smiling);
         smile.camera->changeMaskState();
         smile.camera->isPopupHidden(false);
-        smile.box->updateInstructionsLabelWithText(QStringLiteral("Checking your face"));
+        smile.box->updateInstructionsLabelWithText(VextilTexts::tr("Checking your face"));
         smile.box->isProgressBarHidden(true);
         CameraScreen::settle();
         ok &= save(smile.screen, out, QStringLiteral("camera-smile") + suffix);
@@ -118,7 +131,7 @@ int main(int argc, char **argv)
         QWidget review;
         review.resize(size.width(), int(size.height() * 0.09));
         review.setStyleSheet(QStringLiteral("background: white"));
-        NavigationBarView bar(QStringLiteral("Confirm your photo"), false, &review);
+        NavigationBarView bar(VextilTexts::tr("Send selfie"), false, &review);
         VextilDefaultColorScheme scheme;
         bar.setBackButtonTintColor(scheme.backButtonColor());
         bar.setTitleLabelTintColor(scheme.navigationTitleColor());

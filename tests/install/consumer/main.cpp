@@ -2,6 +2,7 @@
 #include <VextilToolkit/VextilConfirmModelDelegate.h>
 #include <VextilToolkit/VextilImageBuffer.h>
 #include <VextilToolkit/VextilRepository.h>
+#include <VextilToolkit/VextilToolkitSettings.h>
 #include <VextilToolkit/VextilToolkitVersion.h>
 
 #include <QCoreApplication>
@@ -31,7 +32,11 @@ int main(int argc, char **argv)
     model.setDelegate(&review);
     model.getImages();
 
-    const bool ok = image.pixel(0, 0) == qRgb(0, 0, 255) && image.pixel(1, 0) == qRgb(255, 0, 0)
+    // The library carries its translations: one call puts German in force.
+    const bool german = VextilToolkitSettings::sharedInstance()->installTranslations(QLocale(QStringLiteral("de")))
+                     && model.getAcceptButtonText() == QStringLiteral("Ja, senden");
+
+    const bool ok = german && image.pixel(0, 0) == qRgb(0, 0, 255) && image.pixel(1, 0) == qRgb(255, 0, 0)
                  && store->authKey() == QStringLiteral("consumer") && review.received == 2;
     std::printf("VextilToolkit %s: %s\n", VEXTIL_TOOLKIT_VERSION_STRING, ok ? "ok" : "WRONG");
     return ok ? 0 : 1;
