@@ -29,7 +29,7 @@ public:
     bool open(const QString &path);
     /// Whether a file is open.
     bool isOpen() const;
-    /// Why the last open() failed; empty after a success.
+    /// Why the last open() failed, or why reading stopped early at a damaged frame; empty otherwise.
     QString errorString() const;
     /// Frames per second stated by the file (15 when the file states none).
     double framesPerSecond() const;
@@ -37,7 +37,8 @@ public:
     int frameCount() const;
     /// Size of the frames.
     QSize frameSize() const;
-    /// The next frame, or nothing at the end of the file (or when none is open).
+    /// The next frame; nothing at the end of the file, at a damaged frame that ends it (see
+    /// errorString()), or when none is open.
     std::optional<VextilVideoFileFrame> readFrame();
     /// Goes back to the first frame.
     bool rewind();

@@ -32,7 +32,14 @@ bool VextilVideoFileReader::open(const QString &path)
     // FFmpeg wherever OpenCV has it: asked for "any" backend, OpenCV would also try a file it
     // cannot decode as an image-sequence pattern and probe camera backends with it.
     const int backend = cv::videoio_registry::hasBackend(cv::CAP_FFMPEG) ? cv::CAP_FFMPEG : cv::CAP_ANY;
-    if (!d->capture.open(path.toStdString(), backend)) {
+    bool opened = false;
+    try {
+        opened = d->capture.open(path.toStdString(), backend);
+    } catch (const cv::Exception &) {
+        opened = false;  // reported below like any file the decoder cannot read
+    }
+    if (!opened) {
+        d->capture.release();
         d->error = QStringLiteral("cannot decode video file: %1").arg(path);
         return false;
     }
@@ -59,8 +66,18 @@ QSize VextilVideoFileReader::frameSize() const
 
 std::optional<VextilVideoFileFrame> VextilVideoFileReader::readFrame()
 {
-    if (!isOpen() || !d->capture.read(d->decoded) || d->decoded.empty())
+    if (!isOpen())
         return std::nullopt;
+    try {
+        if (!d->capture.read(d->decoded) || d->decoded.empty())
+            return std::nullopt;
+    } catch (const cv::Exception &e) {
+        // A damaged frame can make the decoder hand OpenCV an impossible picture: the file
+        // ends there.
+        d->error = QStringLiteral("damaged video frame %1: %2").arg(d->nextIndex).arg(QString::fromStdString(e.msg));
+        d->capture.release();
+        return std::nullopt;
+    }
     // Decoders give blue, green, red; add the fourth byte a camera frame has, then take the
     // camera's own conversion so that both sources yield identical images.
     if (d->decoded.channels() == 4)
