@@ -18,9 +18,14 @@
 #include <memory>
 #include <optional>
 
+class VextilSmileJudge;
+
 /// The face capture state machine. Fed one image per camera frame, it detects the face and its
 /// smile, collects five neutral images at least a second apart and then two smiling ones,
 /// drives the camera screen through its delegate, and hands the images to VextilRepository.
+/// While it collects neutral images, a face whose detector grades its smile
+/// (VextilFaceFeature::smileScore) counts as smiling only when it smiles clearly more than the
+/// user's own face did in the frames before; once the smile is asked for, hasSmile holds.
 ///
 /// Create it on the GUI thread. The state machine runs on one thread, the one that calls
 /// processFace(): the reset is queued there too (see setStateQueue). Completion runs on the GUI
@@ -110,6 +115,7 @@ private:
     StateQueue m_stateQueue;
 
     std::shared_ptr<VextilFaceDetector> m_faceDetector;
+    std::unique_ptr<VextilSmileJudge> m_smileJudge;  // guarded by m_mutex
     VextilClock m_clock;
     // Nanoseconds since the clock's epoch; kNoDate when no frame was accepted yet.
     std::atomic<qint64> m_lastFrameDate;

@@ -2,6 +2,7 @@
 
 #include <VextilToolkit/VextilRepository.h>
 
+#include "capture/VextilSmileJudge.h"
 #include "core/VextilLocked.h"
 #include "core/VextilMainQueue.h"
 #include "core/VextilTexts.h"
@@ -31,6 +32,7 @@ VextilFaceCameraModel::VextilFaceCameraModel(std::shared_ptr<VextilFaceDetector>
     : QObject(parent),
       m_facesArray(std::make_shared<QList<QImage>>()),
       m_faceDetector(std::move(detector)),
+      m_smileJudge(std::make_unique<VextilSmileJudge>()),
       m_clock(clock ? std::move(clock) : VextilClock(&std::chrono::steady_clock::now)),
       m_lastFrameDate(kNoDate)
 {
@@ -71,9 +73,13 @@ void VextilFaceCameraModel::processFace(const QImage &image)
         noFace();
         return;
     }
-    const VextilFaceFeature &face = features.first();
+    VextilFaceFeature face = features.first();
     if (!isFaceNearEnough(face, image))
         return;
+    {
+        QMutexLocker lock(&m_mutex);
+        face.hasSmile = m_smileJudge->isSmiling(face, currentState() != VextilFaceCaptureStateAwaitingSmile);
+    }
     switch (currentState()) {
     case VextilFaceCaptureStateLookingForFace:
         lookingForFace(face, image);
@@ -95,6 +101,7 @@ void VextilFaceCameraModel::noFace()
             QMutexLocker lock(&m_mutex);
             if (m_facesArray)
                 m_facesArray->clear();
+            m_smileJudge->forget();  // the next face may be someone else's
         }
         setUItoState(VextilFaceCaptureStateLookingForFace);
     }
@@ -237,6 +244,7 @@ void VextilFaceCameraModel::resetState()
             QMutexLocker lock(&m_mutex);
             m_facesArray = std::make_shared<QList<QImage>>();
             m_facesSmileArray = std::make_shared<QList<QImage>>();
+            m_smileJudge->forget();
         }
         setUItoState(VextilFaceCaptureStateLookingForFace);
     });

@@ -4,9 +4,22 @@
 
 #include <QLoggingCategory>
 
+#include <algorithm>
 #include <cmath>
 
 Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)  // defined with the cascade detector
+
+namespace {
+
+// The log-odds of a probability, kept finite: the network saturates at 0 and 1.
+float logOdds(float p)
+{
+    constexpr float kLimit = 20;
+    const float clamped = std::clamp(p, 1e-9f, 1 - 1e-7f);
+    return std::clamp(std::log(clamped / (1 - clamped)), -kLimit, kLimit);
+}
+
+}  // namespace
 
 VextilLearnedFaceDetector::VextilLearnedFaceDetector(float smileThreshold) : m_smileThreshold(smileThreshold) {}
 
@@ -55,7 +68,8 @@ QList<VextilFaceFeature> VextilLearnedFaceDetector::featuresInImage(const QImage
         const float happy = m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy];
         // The contract's bounds have their origin at the bottom left.
         const QRectF box = faceBounds(face);
-        features.append({QRectF(box.x(), image.height() - box.bottom(), box.width(), box.height()), happy > m_smileThreshold});
+        features.append({QRectF(box.x(), image.height() - box.bottom(), box.width(), box.height()), happy > m_smileThreshold,
+                         logOdds(happy)});
     }
     return features;
 }

@@ -35,14 +35,28 @@ protected:
 
     static void settle() { QCoreApplication::processEvents(); }
 
-    void feed(double seconds, Face face)
+    void at(double seconds)
     {
         now = VextilTimePoint(std::chrono::duration_cast<VextilTimePoint::duration>(std::chrono::duration<double>(seconds)));
+    }
+
+    void feed(double seconds, Face face)
+    {
+        at(seconds);
         detector->next.clear();
         if (face != Face::None)
             detector->next.append({QRectF(20, 60, face == Face::Far ? 30 : kNearWidth, 60), face == Face::Smiling});
         model.processFace(image);
     }
+
+    // A near face whose smile the detector grades, in log-odds; it calls it smiling above 0.
+    void feedGraded(double seconds, float score)
+    {
+        at(seconds);
+        detector->next = {{QRectF(20, 60, kNearWidth, 60), score > 0, score}};
+        model.processFace(image);
+    }
+    qsizetype smileCount() const { return model.facesSmileArray()->size(); }
 
     // Five neutral images, a second apart from t = 0: the model then awaits the smile.
     void collectNeutral()
@@ -257,6 +271,43 @@ TEST_F(FaceCameraModelTest, ASmileWhileLookingIsNotCollectedAndAFarFaceChangesNo
 
     feed(0.2, Face::Neutral);
     EXPECT_EQ(neutralCount(), 1) << "looking for a face collects without waiting a second";
+}
+
+TEST_F(FaceCameraModelTest, AFaceThatLooksSmilingAtRestGivesNeutralImagesAndSmilesWhenAsked)
+{
+    // A smirk the detector calls smiling: it is this user's resting face, not a smile.
+    for (int i = 0; i < 5; ++i) {
+        feedGraded(i, 5.0f);
+        feedGraded(i + 0.5, i % 2 ? 7.5f : 3.0f);  // within the rise a smile needs
+    }
+    EXPECT_EQ(neutralCount(), 5);
+    ASSERT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
+    feedGraded(6, -1.0f);
+    EXPECT_EQ(smileCount(), 1) << "asked to smile, a face counts from odds below even";
+    feedGraded(7, -2.0f);
+    EXPECT_EQ(smileCount(), 1) << "but not from clearly neutral ones";
+}
+
+TEST_F(FaceCameraModelTest, WhileCollectingAGradedSmileMustRiseClearlyAboveTheUsersOwnFace)
+{
+    feedGraded(0, -10.0f);
+    feedGraded(1, -10.0f);
+    feedGraded(1.2, -7.0f);
+    feedGraded(1.4, -7.0f);
+    EXPECT_EQ(neutralCount(), 2) << "a rise of 3 is no smile";
+    feedGraded(1.6, 2.0f);
+    feedGraded(1.8, 2.0f);
+    EXPECT_EQ(neutralCount(), 1) << "two smiles in a row drop the newest neutral image";
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+
+    // Losing the face forgets its rest: the next face starts its own.
+    feedGraded(3, 1.0f);
+    feed(3.1, Face::None);
+    feed(3.2, Face::None);
+    feedGraded(4, 1.0f);
+    EXPECT_EQ(neutralCount(), 1) << "a new face's first frame is its resting face";
+    feedGraded(5, 1.0f);
+    EXPECT_EQ(neutralCount(), 2);
 }
 
 TEST_F(FaceCameraModelTest, AFrameArrivingDuringADetectionIsDropped)
