@@ -47,8 +47,13 @@ QList<float> VextilLearnedFaceDetector::happiness(const QImage &image)
 {
     QList<float> happy;
     for (const VextilBlazeFace::Face &face : m_faces.detect(image))
-        happy.append(m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy]);
+        happy.append(this->happy(image, face));
     return happy;
+}
+
+float VextilLearnedFaceDetector::happy(const QImage &image, const VextilBlazeFace::Face &face)
+{
+    return m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy];
 }
 
 QRectF VextilLearnedFaceDetector::faceBounds(const VextilBlazeFace::Face &face)
@@ -63,13 +68,40 @@ QRectF VextilLearnedFaceDetector::faceBounds(const VextilBlazeFace::Face &face)
 
 QList<VextilFaceFeature> VextilLearnedFaceDetector::featuresInImage(const QImage &image)
 {
+    if (!m_scene.continues(image) || !m_tracked)
+        return fullPass(image);
+    if (m_tracked->boxIsNewer) {
+        m_tracked->happy = happy(image, m_tracked->face);
+        m_tracked->boxIsNewer = false;
+        return {feature(*m_tracked, image)};
+    }
+    const QList<VextilBlazeFace::Face> found = m_faces.detect(image);
+    // The same single face, still overlapping itself: its smile is judged on the next frame.
+    if (found.size() != 1 || !found[0].bounds.intersects(m_tracked->face.bounds))
+        return fullPass(image);
+    m_tracked->face = found[0];
+    m_tracked->boxIsNewer = true;
+    return {feature(*m_tracked, image)};
+}
+
+QList<VextilFaceFeature> VextilLearnedFaceDetector::fullPass(const QImage &image)
+{
     QList<VextilFaceFeature> features;
-    for (const VextilBlazeFace::Face &face : m_faces.detect(image)) {
-        const float happy = m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy];
-        // The contract's bounds have their origin at the bottom left.
-        const QRectF box = faceBounds(face);
-        features.append({QRectF(box.x(), image.height() - box.bottom(), box.width(), box.height()), happy > m_smileThreshold,
-                         logOdds(happy)});
+    m_tracked.reset();
+    const QList<VextilBlazeFace::Face> found = m_faces.detect(image);
+    for (const VextilBlazeFace::Face &face : found) {
+        const Tracked judged{face, happy(image, face), false};
+        if (found.size() == 1)
+            m_tracked = judged;
+        features.append(feature(judged, image));
     }
     return features;
+}
+
+VextilFaceFeature VextilLearnedFaceDetector::feature(const Tracked &tracked, const QImage &image) const
+{
+    // The contract's bounds have their origin at the bottom left.
+    const QRectF box = faceBounds(tracked.face);
+    return {QRectF(box.x(), image.height() - box.bottom(), box.width(), box.height()), tracked.happy > m_smileThreshold,
+            logOdds(tracked.happy)};
 }

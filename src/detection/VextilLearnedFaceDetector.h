@@ -4,12 +4,20 @@
 
 #include "detection/VextilBlazeFace.h"
 #include "detection/VextilFaceExpressionNet.h"
+#include "detection/VextilSceneContinuity.h"
+
+#include <optional>
 
 /// Face and smile detector on two learned networks: faces from BlazeFace (see VextilBlazeFace),
 /// smiles from the expression network (see VextilFaceExpressionNet) run on BlazeFace's own face
 /// box, which is the crop it reads best. A face smiles when its "happy" probability is above
-/// `smileThreshold`. The bounds reported are faceBounds(), forehead to chin. How well it does on
-/// the labelled photos is in the README's detection section.
+/// `smileThreshold`; smileScore is its log-odds. The bounds reported are faceBounds(), forehead
+/// to chin. How well it does on the labelled photos is in the README's detection section.
+///
+/// On a camera stream with one face, the two networks take turns: one frame finds the face
+/// and keeps the smile judged on the frame before, the next judges the smile on the face found
+/// the frame before. Each answer is at most one frame old, for half the work. Any other image
+/// (another scene, size or number of faces, or a face that moved away) gets both networks.
 class VextilLearnedFaceDetector : public VextilFaceDetector {
 public:
     /// Loads both networks compiled into the toolkit; check isLoaded().
@@ -36,7 +44,19 @@ public:
     QList<float> happiness(const QImage &image);
 
 private:
+    // The face of the last image, when it was the only one.
+    struct Tracked {
+        VextilBlazeFace::Face face;
+        float happy = 0;
+        bool boxIsNewer = false;  // found after its smile was judged
+    };
+    float happy(const QImage &image, const VextilBlazeFace::Face &face);
+    VextilFaceFeature feature(const Tracked &tracked, const QImage &image) const;
+    QList<VextilFaceFeature> fullPass(const QImage &image);
+
     VextilBlazeFace m_faces;
     VextilFaceExpressionNet m_expressions;
     float m_smileThreshold;
+    VextilSceneContinuity m_scene;
+    std::optional<Tracked> m_tracked;
 };

@@ -3,6 +3,8 @@
 #include "detection/VextilLearnedFaceDetector.h"
 #include "LabelledPhotos.h"
 
+#include <VextilToolkit/VextilVideoFileReader.h>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -63,6 +65,37 @@ TEST(LearnedFaceDetector, FindsEveryFaceAndClearSmileAndKnowsWhichNeutralFacesIt
             EXPECT_LT(detector.happiness(image).first(), 0.4f);
         }
     }
+}
+
+TEST(LearnedFaceDetector, OnAStreamTheNetworksTakeTurnsAndEachAnswerIsAtMostOneFrameOld)
+{
+    VextilVideoFileReader clip;
+    ASSERT_TRUE(clip.open(QStringLiteral(VEXTIL_SELFIE_CLIP)));
+    VextilLearnedFaceDetector stream, single;
+    int faces = 0;
+    int previousSmile = -1;  // none: no face in the frame before
+    int repeats = 0;
+    std::optional<float> previousScore;
+    for (auto frame = clip.readFrame(); frame; frame = clip.readFrame()) {
+        const QList<VextilFaceFeature> streamed = stream.featuresInImage(frame->image);
+        single.featuresInImage(QImage());  // breaks its stream: every frame gets both networks
+        const QList<VextilFaceFeature> full = single.featuresInImage(frame->image);
+        ASSERT_EQ(streamed.size(), full.size()) << "frame " << frame->index;
+        if (full.isEmpty()) {
+            previousSmile = -1;
+            continue;
+        }
+        ++faces;
+        SCOPED_TRACE(frame->index);
+        EXPECT_GE(intersectionOverUnion(streamed[0].bounds, full[0].bounds), 0.8);
+        // Judged on this frame or the one before: a smile is seen at most a frame late.
+        EXPECT_TRUE(streamed[0].hasSmile == full[0].hasSmile || int(streamed[0].hasSmile) == previousSmile);
+        previousSmile = int(full[0].hasSmile);
+        repeats += streamed[0].smileScore == previousScore;
+        previousScore = streamed[0].smileScore;
+    }
+    EXPECT_GT(faces, 100);
+    EXPECT_LE(repeats, faces * 6 / 10) << "the smile is judged again every other frame";
 }
 
 TEST(LearnedFaceDetector, IsTheDefaultFallsBackToTheCascadeWithOneWarningAndCanBeSetAside)
