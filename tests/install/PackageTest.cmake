@@ -16,7 +16,8 @@ foreach(expected "usr/include/VextilToolkit/VextilFace.h" "usr/include/VextilToo
                  "libVextilToolkit.so.0" "cmake/VextilToolkit/VextilToolkitConfig.cmake" "pkgconfig/VextilToolkit.pc"
                  "usr/share/VextilToolkit/translations/vextiltoolkit_de.qm"
                  "usr/share/VextilToolkit/translations/vextiltoolkit_es.qm"
-                 "usr/share/VextilToolkit/translations/vextiltoolkit_pt_BR.qm")
+                 "usr/share/VextilToolkit/translations/vextiltoolkit_pt_BR.qm"
+                 "usr/share/VextilToolkit/translations/vextiltoolkit.ts")
   string(FIND "${last_output}" "${expected}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "the package lacks ${expected}:\n${last_output}")
