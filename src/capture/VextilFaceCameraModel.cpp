@@ -76,11 +76,12 @@ void VextilFaceCameraModel::processFace(const QImage &image)
     VextilFaceFeature face = features.first();
     if (!isFaceNearEnough(face, image))
         return;
+    const VextilFaceCaptureState state = currentState();
     {
         QMutexLocker lock(&m_mutex);
-        face.hasSmile = m_smileJudge->isSmiling(face, currentState() != VextilFaceCaptureStateAwaitingSmile);
+        face.hasSmile = m_smileJudge->isSmiling(face, state != VextilFaceCaptureStateAwaitingSmile);
     }
-    switch (currentState()) {
+    switch (state) {
     case VextilFaceCaptureStateLookingForFace:
         lookingForFace(face, image);
         break;

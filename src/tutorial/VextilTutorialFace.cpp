@@ -5,20 +5,20 @@
 
 #include <QCoreApplication>
 
+namespace {
+
+// The tips' translation keys, top left to bottom right; the double blank in the first is part of its key.
+const char *const kTips[] = {
+    QT_TRANSLATE_NOOP("VextilToolkit", "Look for a brighter spot  with no light reflection"),
+    QT_TRANSLATE_NOOP("VextilToolkit", "Remove any glasses and hat"),
+    QT_TRANSLATE_NOOP("VextilToolkit", "Smile to save the photo"),
+    QT_TRANSLATE_NOOP("VextilToolkit", "The photo is taken automatically")};
+
+}  // namespace
+
 VextilTutorialFace::VextilTutorialFace(QWidget *parent) : VextilTutorialView(parent)
 {
     setupViews();
-}
-
-QStringList VextilTutorialFace::tipTexts()
-{
-    // The double blank in the first tip is part of its translation key.
-    static const char *const tips[] = {
-        QT_TRANSLATE_NOOP("VextilToolkit", "Look for a brighter spot  with no light reflection"),
-        QT_TRANSLATE_NOOP("VextilToolkit", "Remove any glasses and hat"),
-        QT_TRANSLATE_NOOP("VextilToolkit", "Smile to save the photo"),
-        QT_TRANSLATE_NOOP("VextilToolkit", "The photo is taken automatically")};
-    return {QLatin1String(tips[0]), QLatin1String(tips[1]), QLatin1String(tips[2]), QLatin1String(tips[3])};
 }
 
 void VextilTutorialFace::setupViews()
@@ -29,9 +29,8 @@ void VextilTutorialFace::setupViews()
     VextilLabel *labels[4] = {topLeftTipLabel(), topRightTipLabel(), bottomLeftTipLabel(), bottomRightTipLabel()};
     VextilImageView *icons[4] = {topLeftIconImageView(), topRightIconImageView(), bottomLeftIconImageView(),
                                  bottomRightImageView()};
-    const QStringList texts = tipTexts();
     for (int i = 0; i < 4; ++i) {
-        const QString text = VextilTexts::tr(texts[i].toLatin1().constData());
+        const QString text = VextilTexts::tr(kTips[i]);
         labels[i]->setText(text);
         icons[i]->setImageName(images[i]);
         icons[i]->setAccessibleName(text);

@@ -8,9 +8,6 @@ class VextilTutorialFace : public VextilTutorialView {
 public:
     explicit VextilTutorialFace(QWidget *parent = nullptr);
 
-    /// The four tips' texts, as translation keys (the first keeps its double blank).
-    static QStringList tipTexts();
-
 protected:
     void setupViews();
 };

@@ -75,7 +75,7 @@ void VextilLabel::fit()
 }
 
 // The text cut to the line limit: the lines that fit as they wrap, the last one elided, with
-// explicit breaks so that the label wraps them the same way.
+// explicit breaks so that the label wraps them the same way; the text itself when it fits.
 QString VextilLabel::wrappedText() const
 {
     const qreal width = contentsRect().width();
@@ -87,14 +87,17 @@ QString VextilLabel::wrappedText() const
     layout.setTextOption(option);
     layout.beginLayout();
     QStringList lines;
+    bool truncated = false;
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(width);
         if (lines.size() == m_maximumLines - 1) {  // the last line allowed takes all that is left
-            lines.append(QFontMetricsF(font()).elidedText(m_text.mid(line.textStart()).simplified(), Qt::ElideRight, width));
+            const QString rest = m_text.mid(line.textStart()).simplified();
+            lines.append(QFontMetricsF(font()).elidedText(rest, Qt::ElideRight, width));
+            truncated = lines.last() != rest;
             break;
         }
         lines.append(m_text.mid(line.textStart(), line.textLength()).trimmed());
     }
     layout.endLayout();
-    return lines.size() < m_maximumLines || !lines.last().endsWith(QChar(0x2026)) ? m_text : lines.join(u'\n');
+    return truncated ? lines.join(u'\n') : m_text;
 }
