@@ -1,16 +1,17 @@
 #include <VextilToolkit/VextilCameraAuthorization.h>
 
-#include <mutex>
+#include "core/VextilLocked.h"
 
 namespace {
 
 struct Hooks {
-    std::mutex mutex;
+    QMutex mutex;
     VextilCameraAuthorization::StatusProvider status;
     VextilCameraAuthorization::AccessRequester request;
     VextilCameraAuthorization::SettingsOpener settings;
 };
 
+// Each hook is copied out under the lock and called outside it, so that a hook may set hooks.
 Hooks &hooks()
 {
     static Hooks instance;
@@ -21,18 +22,13 @@ Hooks &hooks()
 
 VextilCameraAuthorization::Status VextilCameraAuthorization::authorizationStatus()
 {
-    std::unique_lock lock(hooks().mutex);
-    const auto status = hooks().status;
-    lock.unlock();
+    const auto status = readLocked(hooks().mutex, hooks().status);
     return status ? status() : Authorized;
 }
 
 void VextilCameraAuthorization::requestAccess(std::function<void(bool)> answer)
 {
-    std::unique_lock lock(hooks().mutex);
-    const auto request = hooks().request;
-    lock.unlock();
-    if (request)
+    if (const auto request = readLocked(hooks().mutex, hooks().request))
         request(std::move(answer));
     else
         answer(true);
@@ -40,16 +36,13 @@ void VextilCameraAuthorization::requestAccess(std::function<void(bool)> answer)
 
 void VextilCameraAuthorization::openSettings()
 {
-    std::unique_lock lock(hooks().mutex);
-    const auto settings = hooks().settings;
-    lock.unlock();
-    if (settings)
+    if (const auto settings = readLocked(hooks().mutex, hooks().settings))
         settings();  // desktop platforms have no per-application settings page
 }
 
 void VextilCameraAuthorization::setHooks(StatusProvider status, AccessRequester request, SettingsOpener settings)
 {
-    std::lock_guard lock(hooks().mutex);
+    QMutexLocker lock(&hooks().mutex);
     hooks().status = std::move(status);
     hooks().request = std::move(request);
     hooks().settings = std::move(settings);
