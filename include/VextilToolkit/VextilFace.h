@@ -68,6 +68,7 @@ private:
     static QWidget *defaultRoot();
     static QWidget *topMost(QWidget *root);
     bool isFlowOnShow() const;
+    bool isFlowOpen() const;  // a flow has its camera screen and is not closing
 
     bool m_presentTutorial = true;
     bool m_closing = false;  // the flow's screens are going; its result is on its way

@@ -63,6 +63,8 @@ bool VextilFace::isFlowOnShow() const
     return shown(m_faceCameraViewController) || shown(m_confirmController);
 }
 
+bool VextilFace::isFlowOpen() const { return m_faceCameraViewController && !m_closing; }
+
 void VextilFace::presentCameraView()
 {
     // One flow at a time: a repeated request only replaced the callback, which gets the result
@@ -92,7 +94,7 @@ void VextilFace::presentCameraView()
 
 void VextilFace::didFinishedCaptureWithSuccess(bool success)
 {
-    if (!m_faceCameraViewController || m_closing)
+    if (!isFlowOpen())
         return;  // no flow to report on
     if (success)
         presentConfirmView();
@@ -102,7 +104,7 @@ void VextilFace::didFinishedCaptureWithSuccess(bool success)
 
 void VextilFace::presentConfirmView()
 {
-    if (!m_faceCameraViewController || m_closing)
+    if (!isFlowOpen())
         return;  // the review lies on the camera screen, which is not there
     if (!m_confirmController) {
         m_confirmController = new VextilConfirmController;
@@ -115,7 +117,7 @@ void VextilFace::presentConfirmView()
 
 void VextilFace::didFinishedConfirmWithSuccess(bool success)
 {
-    if (!m_faceCameraViewController || m_closing)
+    if (!isFlowOpen())
         return;
     if (success)
         dismissCamerControlerWithResult(true, std::nullopt);
@@ -126,7 +128,7 @@ void VextilFace::didFinishedConfirmWithSuccess(bool success)
 void VextilFace::dismissCamerControlerWithResult(bool result, std::optional<VextilError> error)
 {
     // Outside a flow, or while one is closing, there is nothing to close and nobody to tell.
-    if (!m_faceCameraViewController || m_closing)
+    if (!isFlowOpen())
         return;
     m_closing = true;
     const auto close = [this, result, error] {
