@@ -56,7 +56,7 @@ int main(int argc, char **argv)
     VextilToolkitSettings::sharedInstance()->initWithAuthKey(options.value(QStringLiteral("key")));
     const QLocale locale = options.isSet(QStringLiteral("locale")) ? QLocale(options.value(QStringLiteral("locale"))) : QLocale::system();
     if (!VextilToolkitSettings::sharedInstance()->installTranslations(locale) && options.isSet(QStringLiteral("locale")))
-        std::fprintf(stderr, "note: no translation for %s; the screens stay in English\n", qPrintable(locale.name()));
+        std::fprintf(stderr, "note: no translation for \"%s\"; the screens stay in English\n", qPrintable(options.value(QStringLiteral("locale"))));
     VextilRepository *store = VextilRepository::sharedInstance();
     store->setUploadHost(options.value(QStringLiteral("upload-host")));
     if (options.isSet(QStringLiteral("upload-ca"))) {
