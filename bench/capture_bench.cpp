@@ -9,7 +9,7 @@
 #include "ClipRun.h"
 #include "detection/VextilBlazeFace.h"
 #include "detection/VextilCascadeFaceDetector.h"
-#include "detection/VextilFaceExpressionNet.h"
+#include "detection/VextilGreyExpressionNet.h"
 #include "detection/VextilLearnedFaceDetector.h"
 #include "LabelledPhotos.h"
 
@@ -95,7 +95,7 @@ Timing medianPass(const QList<QImage> &frames, const std::function<void(const QI
 void learnedParts(const QList<QImage> &frames)
 {
     VextilBlazeFace faces;
-    VextilFaceExpressionNet expressions;
+    VextilGreyExpressionNet expressions;
     const Timing f = medianPass(frames, [&](const QImage &frame) { faces.detect(frame); });
     QList<QRectF> boxes;
     for (const QImage &frame : frames) {
@@ -106,9 +106,9 @@ void learnedParts(const QList<QImage> &frames)
     const Timing e = medianPass(frames, [&](const QImage &frame) {
         const QRectF box = boxes[at++ % boxes.size()];
         if (!box.isEmpty())
-            expressions.classify(frame, box);
+            expressions.smileLogOdds(frame, box);
     });
-    std::printf("learned    faces network mean %5.2f ms p95 %5.2f ms | expression network, frames with a face, mean %5.2f ms p95 %5.2f ms\n",
+    std::printf("learned    faces network mean %5.2f ms p95 %5.2f ms | smile classifier, frames with a face, mean %5.2f ms p95 %5.2f ms\n",
                 f.mean, f.p95, e.mean, e.p95);
 }
 
@@ -187,19 +187,19 @@ SmileScore photos(const char *name, const Factory &make)
 void learnedCurve()
 {
     VextilLearnedFaceDetector detector;
-    QList<std::pair<QString, float>> happy;
+    QList<std::pair<QString, float>> scores;
     for (const LabelledPhoto &photo : loadLabelledPhotos()) {
-        const auto values = detector.happiness(loadPhoto(photo));
-        happy.append({photo.smile, values.isEmpty() ? 0.f : values.first()});
+        const auto values = detector.smileScores(loadPhoto(photo));
+        scores.append({photo.smile, values.isEmpty() ? -100.f : values.first()});
     }
-    std::printf("learned smile curve (threshold: recall on yes / false smiles on no / slight called smiling):\n ");
-    for (float threshold : {0.3f, 0.4f, 0.5f, 0.6f, 0.7f, 0.8f, 0.9f}) {
+    std::printf("learned smile curve (log-odds threshold: recall on yes / false smiles on no / slight called smiling):\n ");
+    for (float threshold : {-1.0f, -0.5f, 0.0f, 0.5f, VextilLearnedFaceDetector::kSmileLogOdds, 1.0f, 1.5f, 2.0f}) {
         int yes = 0, no = 0, slight = 0;
-        for (const auto &[label, value] : happy) {
+        for (const auto &[label, value] : scores) {
             const bool smile = value > threshold;
             (label == QLatin1String("yes") ? yes : label == QLatin1String("no") ? no : slight) += smile;
         }
-        std::printf(" %.1f: %d/7 %d/7 %d/7 |", threshold, yes, no, slight);
+        std::printf(" %.2f: %d/7 %d/7 %d/7 |", threshold, yes, no, slight);
     }
     std::printf("\n");
 }

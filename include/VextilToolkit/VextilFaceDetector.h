@@ -10,7 +10,7 @@
 
 /// The detectors the toolkit ships.
 enum class VextilFaceDetectorKind {
-    Learned,  ///< BlazeFace and the expression network (the default)
+    Learned,  ///< BlazeFace and a grey-scale smile classifier (the default)
     Cascade,  ///< OpenCV's Haar cascades with teeth evidence
 };
 

@@ -5,11 +5,9 @@
 
 bool VextilSmileJudge::isSmiling(const VextilFaceFeature &face, bool collectingNeutral)
 {
-    if (!face.smileScore)
+    if (!face.smileScore || !collectingNeutral)
         return face.hasSmile;
     const float score = *face.smileScore;
-    if (!collectingNeutral)
-        return face.hasSmile || score >= kPromptedSmile;
     const bool smiling = face.hasSmile && !m_rest.empty() && score >= restingScore() + kRiseOverRest;
     if (!smiling) {
         m_rest.push_back(score);

@@ -9,17 +9,13 @@
 /// clearly above the user's own resting face, the median score of their recent neutral frames:
 /// a face that a detector reads as smiling at rest (a closed-lip smirk, a talking mouth) would
 /// otherwise never give a neutral image. The first frame of a face sets that rest. Once the
-/// smile is asked for, a smile is what the user was just asked for, so a graded face counts
-/// from somewhat lower odds than the detector's own even split. A face without a graded score
-/// is taken as the detector judged it. Not thread-safe.
+/// smile is asked for, and for a face without a graded score, the detector's own verdict holds.
+/// Not thread-safe.
 class VextilSmileJudge {
 public:
     /// How far above the resting face a smile must rise while neutral images are collected, in
     /// log-odds: odds of a smile about 55 times the resting face's.
     static constexpr float kRiseOverRest = 4.0f;
-    /// Once the smile is asked for, the log-odds from which a graded face smiles: the prompt
-    /// makes a smile about four times likelier than the detector's unprompted even split.
-    static constexpr float kPromptedSmile = -1.5f;
     /// How many recent neutral frames make the resting face (about a second of camera frames).
     static constexpr int kRestFrames = 15;
 

@@ -4,28 +4,15 @@
 
 #include <QLoggingCategory>
 
-#include <algorithm>
 #include <cmath>
 
 Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)  // defined with the cascade detector
 
-namespace {
-
-// The log-odds of a probability, kept finite: the network saturates at 0 and 1.
-float logOdds(float p)
-{
-    constexpr float kLimit = 20;
-    const float clamped = std::clamp(p, 1e-9f, 1 - 1e-7f);
-    return std::clamp(std::log(clamped / (1 - clamped)), -kLimit, kLimit);
-}
-
-}  // namespace
-
 VextilLearnedFaceDetector::VextilLearnedFaceDetector(float smileThreshold) : m_smileThreshold(smileThreshold) {}
 
-VextilLearnedFaceDetector::VextilLearnedFaceDetector(const QString &faceModel, const QString &expressionManifest,
+VextilLearnedFaceDetector::VextilLearnedFaceDetector(const QString &faceModel, const QString &expressionModel,
                                                      const QString &expressionWeights, float smileThreshold)
-    : m_faces(faceModel), m_expressions(expressionManifest, expressionWeights), m_smileThreshold(smileThreshold)
+    : m_faces(faceModel), m_expressions(expressionModel, expressionWeights), m_smileThreshold(smileThreshold)
 {
 }
 
@@ -43,17 +30,17 @@ QString VextilLearnedFaceDetector::errorString() const
     return !m_faces.isLoaded() ? m_faces.errorString() : m_expressions.errorString();
 }
 
-QList<float> VextilLearnedFaceDetector::happiness(const QImage &image)
+QList<float> VextilLearnedFaceDetector::smileScores(const QImage &image)
 {
-    QList<float> happy;
+    QList<float> scores;
     for (const VextilBlazeFace::Face &face : m_faces.detect(image))
-        happy.append(this->happy(image, face));
-    return happy;
+        scores.append(smile(image, face));
+    return scores;
 }
 
-float VextilLearnedFaceDetector::happy(const QImage &image, const VextilBlazeFace::Face &face)
+float VextilLearnedFaceDetector::smile(const QImage &image, const VextilBlazeFace::Face &face)
 {
-    return m_expressions.classify(image, face.bounds)[VextilFaceExpressionNet::Happy];
+    return m_expressions.smileLogOdds(image, face.bounds);
 }
 
 QRectF VextilLearnedFaceDetector::faceBounds(const VextilBlazeFace::Face &face)
@@ -71,7 +58,7 @@ QList<VextilFaceFeature> VextilLearnedFaceDetector::featuresInImage(const QImage
     if (!m_scene.continues(image) || !m_tracked)
         return fullPass(image);
     if (m_tracked->boxIsNewer) {
-        m_tracked->happy = happy(image, m_tracked->face);
+        m_tracked->smile = smile(image, m_tracked->face);
         m_tracked->boxIsNewer = false;
         return {feature(*m_tracked, image)};
     }
@@ -90,7 +77,7 @@ QList<VextilFaceFeature> VextilLearnedFaceDetector::fullPass(const QImage &image
     m_tracked.reset();
     const QList<VextilBlazeFace::Face> found = m_faces.detect(image);
     for (const VextilBlazeFace::Face &face : found) {
-        const Tracked judged{face, happy(image, face), false};
+        const Tracked judged{face, smile(image, face), false};
         if (found.size() == 1)
             m_tracked = judged;
         features.append(feature(judged, image));
@@ -102,6 +89,6 @@ VextilFaceFeature VextilLearnedFaceDetector::feature(const Tracked &tracked, con
 {
     // The contract's bounds have their origin at the bottom left.
     const QRectF box = faceBounds(tracked.face);
-    return {QRectF(box.x(), image.height() - box.bottom(), box.width(), box.height()), tracked.happy > m_smileThreshold,
-            logOdds(tracked.happy)};
+    return {QRectF(box.x(), image.height() - box.bottom(), box.width(), box.height()), tracked.smile > m_smileThreshold,
+            tracked.smile};
 }

@@ -3,16 +3,16 @@
 #include <VextilToolkit/VextilFaceDetector.h>
 
 #include "detection/VextilBlazeFace.h"
-#include "detection/VextilFaceExpressionNet.h"
+#include "detection/VextilGreyExpressionNet.h"
 #include "detection/VextilSceneContinuity.h"
 
 #include <optional>
 
 /// Face and smile detector on two learned networks: faces from BlazeFace (see VextilBlazeFace),
-/// smiles from the expression network (see VextilFaceExpressionNet) run on BlazeFace's own face
-/// box, which is the crop it reads best. A face smiles when its "happy" probability is above
-/// `smileThreshold`; smileScore is its log-odds. The bounds reported are faceBounds(), forehead
-/// to chin. How well it does on the labelled photos is in the README's detection section.
+/// smiles from the grey expression network (see VextilGreyExpressionNet) on BlazeFace's own face
+/// box. smileScore is the log-odds of "happy"; a face smiles when it is above `smileThreshold`.
+/// The bounds reported are faceBounds(), forehead to chin. How well it does on the labelled
+/// photos is in the README's detection section.
 ///
 /// On a camera stream with one face, the two networks take turns: one frame finds the face
 /// and keeps the smile judged on the frame before, the next judges the smile on the face found
@@ -20,11 +20,16 @@
 /// (another scene, size or number of faces, or a face that moved away) gets both networks.
 class VextilLearnedFaceDetector : public VextilFaceDetector {
 public:
+    /// The default smile threshold, in log-odds: "happy" at least twice as likely as all
+    /// other expressions together. Taken alone, a face read at even odds is as often a talking
+    /// mouth or a smirk as a smile.
+    static constexpr float kSmileLogOdds = 0.69f;
+
     /// Loads both networks compiled into the toolkit; check isLoaded().
-    explicit VextilLearnedFaceDetector(float smileThreshold = 0.5f);
+    explicit VextilLearnedFaceDetector(float smileThreshold = kSmileLogOdds);
     /// Loads the networks from files or Qt resource paths.
-    VextilLearnedFaceDetector(const QString &faceModel, const QString &expressionManifest,
-                              const QString &expressionWeights, float smileThreshold = 0.5f);
+    VextilLearnedFaceDetector(const QString &faceModel, const QString &expressionModel, const QString &expressionWeights,
+                              float smileThreshold = kSmileLogOdds);
 
     /// `learned` when its networks loaded; otherwise the cascade detector, after one warning.
     static std::shared_ptr<VextilFaceDetector> createOrFallBack(std::shared_ptr<VextilLearnedFaceDetector> learned);
@@ -40,22 +45,22 @@ public:
     /// and the mouth and raised by a tenth of its side. Unlike BlazeFace's own box, it follows
     /// the key points on turned and tilted heads. Image pixels, origin top left.
     static QRectF faceBounds(const VextilBlazeFace::Face &face);
-    /// The "happy" probability of each face found, largest face first.
-    QList<float> happiness(const QImage &image);
+    /// The smile log-odds of each face found, largest face first.
+    QList<float> smileScores(const QImage &image);
 
 private:
     // The face of the last image, when it was the only one.
     struct Tracked {
         VextilBlazeFace::Face face;
-        float happy = 0;
+        float smile = 0;  // log-odds
         bool boxIsNewer = false;  // found after its smile was judged
     };
-    float happy(const QImage &image, const VextilBlazeFace::Face &face);
+    float smile(const QImage &image, const VextilBlazeFace::Face &face);
     VextilFaceFeature feature(const Tracked &tracked, const QImage &image) const;
     QList<VextilFaceFeature> fullPass(const QImage &image);
 
     VextilBlazeFace m_faces;
-    VextilFaceExpressionNet m_expressions;
+    VextilGreyExpressionNet m_expressions;
     float m_smileThreshold;
     VextilSceneContinuity m_scene;
     std::optional<Tracked> m_tracked;

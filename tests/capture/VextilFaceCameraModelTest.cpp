@@ -282,10 +282,10 @@ TEST_F(FaceCameraModelTest, AFaceThatLooksSmilingAtRestGivesNeutralImagesAndSmil
     }
     EXPECT_EQ(neutralCount(), 5);
     ASSERT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
-    feedGraded(6, -1.0f);
-    EXPECT_EQ(smileCount(), 1) << "asked to smile, a face counts from odds below even";
-    feedGraded(7, -2.0f);
-    EXPECT_EQ(smileCount(), 1) << "but not from clearly neutral ones";
+    feedGraded(6, 1.0f);
+    EXPECT_EQ(smileCount(), 1) << "asked to smile, the detector's verdict holds, however far below the rest";
+    feedGraded(7, -1.0f);
+    EXPECT_EQ(smileCount(), 1) << "and a face it calls neutral is no smile";
 }
 
 TEST_F(FaceCameraModelTest, WhileCollectingAGradedSmileMustRiseClearlyAboveTheUsersOwnFace)

@@ -16,7 +16,7 @@ list(LENGTH headers header_count)
 if(header_count GREATER 32)
   message(FATAL_ERROR "${header_count} headers installed")
 endif()
-foreach(internal VextilBlazeFace VextilFaceExpressionNet VextilDepthwiseConvolution VextilCaptureQueue
+foreach(internal VextilBlazeFace VextilGreyExpressionNet VextilGraphModel VextilDepthwiseConvolution VextilCaptureQueue
                  VextilVideoFrameMapping VextilCameraSource VextilConfirmView NavigationBarView)
   if(EXISTS ${prefix}/include/VextilToolkit/${internal}.h)
     message(FATAL_ERROR "internal header ${internal}.h is installed")

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "detection/VextilGraphModel.h"
+
+#include <QImage>
+#include <QRectF>
+#include <QString>
+
+/// Tells a smile from other expressions with a small grey-scale classifier (a mini-Xception
+/// network over 64x64 pixels, seven expressions, "happy" among them), read as a TensorFlow.js
+/// graph model (see VextilGraphModel).
+///
+/// It reads the mouth and cheeks rather than the whole colour face, so a talking mouth or a
+/// closed-lip smirk, which whole-face expression networks often take for happiness, stays apart
+/// from a smile. Each face is read twice, as seen and mirrored, and the two answers averaged:
+/// a one-sided expression then counts the same whichever way the head is turned.
+class VextilGreyExpressionNet {
+public:
+    /// Loads the model compiled into the toolkit.
+    VextilGreyExpressionNet();
+    /// Loads a graph model (JSON) and its weights file; check isLoaded().
+    VextilGreyExpressionNet(const QString &modelPath, const QString &weightsPath);
+
+    bool isLoaded() const { return m_model.isLoaded(); }
+    /// Why loading failed; empty when it succeeded.
+    QString errorString() const { return m_model.errorString(); }
+    /// The log-odds that the face in `faceBox` (a face detector's square box, image pixels,
+    /// origin top left) smiles; 0 when the model is not loaded or the box misses the image.
+    float smileLogOdds(const QImage &image, const QRectF &faceBox);
+
+private:
+    bool crop(const QImage &image, const QRectF &faceBox);
+
+    VextilGraphModel m_model;
+    cv::Mat m_region, m_grey, m_small, m_input, m_blob;
+};
