@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace {
@@ -176,41 +177,49 @@ private:
 
     // Filters are stored [height][width][in][out] (depthwise: [height][width][channels][1]);
     // OpenCV wants [out][in / groups][height][width].
+    static cv::Mat openCvFilters(const Tensor &f, bool depthwise)
+    {
+        const int kh = f.shape[0], kw = f.shape[1], in = f.shape[2], out = depthwise ? in : f.shape[3];
+        const int perGroup = depthwise ? 1 : in;
+        const int shape[] = {out, perGroup, kh, kw};
+        cv::Mat w(4, shape, CV_32F);
+        float *target = w.ptr<float>();
+        for (int o = 0; o < out; ++o)
+            for (int i = 0; i < perGroup; ++i)
+                for (int tap = 0; tap < kh * kw; ++tap)
+                    *target++ = f.values.at<float>(depthwise ? tap * in + o : (tap * in + i) * out + o);
+        return w;
+    }
+
     void convolution(const QString &name, bool depthwise)
     {
         const Tensor &f = constant(1);
         if (f.shape.size() != 4 || (depthwise && f.shape[3] != 1))
             fail(QStringLiteral("%1 has filters of an unsupported shape").arg(name));
-        const int kh = f.shape[0], kw = f.shape[1], in = f.shape[2], out = depthwise ? in : f.shape[3];
-        const int perGroup = depthwise ? 1 : in;
-        const int shape[] = {out, perGroup, kh, kw};
-        cv::Mat w(4, shape, CV_32F);
-        for (int o = 0; o < out; ++o)
-            for (int i = 0; i < perGroup; ++i)
-                for (int y = 0; y < kh; ++y)
-                    for (int x = 0; x < kw; ++x)
-                        w.ptr<float>()[((o * perGroup + i) * kh + y) * kw + x] =
-                            f.values.at<float>(((y * kw + x) * in + (depthwise ? o : i)) * (depthwise ? 1 : out) + (depthwise ? 0 : o));
+        const cv::Mat w = openCvFilters(f, depthwise);
+        const int out = w.size[0];
         // Our own layer is faster on the small planes of such networks.
         const int stride = ints("strides").value(1);
-        if (depthwise && kh == 3 && kw == 3 && text("padding") == QLatin1String("SAME") && (stride == 1 || stride == 2)
-            && ints("strides").value(2) == stride)
+        if (depthwise && w.size[2] == 3 && w.size[3] == 3 && text("padding") == QLatin1String("SAME")
+            && (stride == 1 || stride == 2) && ints("strides").value(2) == stride)
             return add(name, VextilDepthwiseConvolution::params(name.toStdString(), w, cv::Mat(), stride, false), {source(0)});
         cv::dnn::LayerParams lp = params(name, "Convolution");
         geometry(lp);
-        lp.set("kernel_h", kh);
-        lp.set("kernel_w", kw);
+        lp.set("kernel_h", w.size[2]);
+        lp.set("kernel_w", w.size[3]);
         lp.set("num_output", out);
-        lp.set("group", depthwise ? in : 1);
+        lp.set("group", depthwise ? out : 1);
         const QStringList fused = strings("fused_ops");
-        const bool biased = fused.contains(QStringLiteral("BiasAdd"));
         for (const QString &op : fused)
             if (op != QLatin1String("BiasAdd") && op != QLatin1String("Relu"))
                 fail(QStringLiteral("fused operation %1 is not supported").arg(op));
-        lp.set("bias_term", biased);
         lp.blobs = {w};
+        const bool biased = fused.contains(QStringLiteral("BiasAdd"));
+        if (biased && int(constant(2).values.total()) != out)
+            fail(QStringLiteral("%1 has %2 biases for %3 outputs").arg(name).arg(constant(2).values.total()).arg(out));
         if (biased)
             lp.blobs.push_back(constant(2).values.clone());
+        lp.set("bias_term", biased);
         add(name, lp, {source(0)});
         if (fused.contains(QStringLiteral("Relu")))
             add(name, params(name + QStringLiteral("/relu"), "ReLU"), {m_layers[name]});

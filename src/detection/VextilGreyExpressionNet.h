@@ -10,10 +10,9 @@
 /// network over 64x64 pixels, seven expressions, "happy" among them), read as a TensorFlow.js
 /// graph model (see VextilGraphModel).
 ///
-/// It reads the mouth and cheeks rather than the whole colour face, so a talking mouth or a
-/// closed-lip smirk, which whole-face expression networks often take for happiness, stays apart
-/// from a smile. Each face is read twice, as seen and mirrored, and the two answers averaged:
-/// a one-sided expression then counts the same whichever way the head is turned.
+/// The face is framed a fifth wider than the detector's box, averaged down and converted to
+/// grey as the network was taught. On the labelled photos it keeps a talking mouth and a
+/// closed-lip smirk apart from real smiles, which a whole-face colour network did not.
 class VextilGreyExpressionNet {
 public:
     /// Loads the model compiled into the toolkit.
