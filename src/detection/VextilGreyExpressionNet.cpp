@@ -13,11 +13,25 @@ constexpr int kInput = 64;
 constexpr int kHappy = 3;  // angry, disgusted, fearful, happy, sad, surprised, neutral
 // The network was taught on faces framed a little wider than a face detector's box.
 constexpr double kFraming = 1.2;
+// Mean and standard deviation every face is brought to, in 8-bit grey levels.
+constexpr double kMidGrey = 128;
+constexpr double kContrast = 55;
 
 float logOdds(float p)
 {
     const float clamped = std::clamp(p, 1e-6f, 1 - 1e-6f);
     return std::log(clamped / (1 - clamped));
+}
+
+// Light and camera contrast vary far more than between the faces the network was taught on:
+// every face is brought to the same mid grey and contrast, so that a dim or washed-out smile
+// reads like a well-lit one.
+void normaliseLight(cv::Mat &grey)
+{
+    cv::Scalar mean, deviation;
+    cv::meanStdDev(grey, mean, deviation);
+    const double gain = kContrast / std::max(deviation[0], 1.0);
+    grey.convertTo(grey, -1, gain, kMidGrey - mean[0] * gain);
 }
 
 }  // namespace
@@ -47,11 +61,12 @@ bool VextilGreyExpressionNet::crop(const QImage &image, const QRectF &faceBox)
     // Averaging down to twice the input size first keeps sensor noise from aliasing.
     const double shrink = std::min(1.0, 2.0 * kInput / side);
     cv::resize(m_grey, m_small, cv::Size(), shrink, shrink, shrink < 1 ? cv::INTER_AREA : cv::INTER_LINEAR);
-    // Framing that runs off the image repeats its edge, as the face crops taught on did.
+    // Framing that runs off the image repeats its edge rather than adding a black border.
     const double scale = kInput / (side * shrink);
     const double originX = (centre.x() - region.x()) * shrink, originY = (centre.y() - region.y()) * shrink;
     const cv::Matx23d toInput(scale, 0, kInput / 2.0 - originX * scale, 0, scale, kInput / 2.0 - originY * scale);
     cv::warpAffine(m_small, m_input, toInput, cv::Size(kInput, kInput), cv::INTER_LINEAR, cv::BORDER_REPLICATE);
+    normaliseLight(m_input);
     return true;
 }
 

@@ -10,9 +10,10 @@
 /// network over 64x64 pixels, seven expressions, "happy" among them), read as a TensorFlow.js
 /// graph model (see VextilGraphModel).
 ///
-/// The face is framed a fifth wider than the detector's box, averaged down and converted to
-/// grey as the network was taught. On the labelled photos it keeps a talking mouth and a
-/// closed-lip smirk apart from real smiles, which a whole-face colour network did not.
+/// The face is framed a fifth wider than the detector's box, averaged down to grey, and brought
+/// to a fixed mean and contrast, so that dim and bright light read alike. On the labelled
+/// photos it keeps a talking mouth and a closed-lip smirk apart from real smiles, which a
+/// whole-face colour network did not.
 class VextilGreyExpressionNet {
 public:
     /// Loads the model compiled into the toolkit.

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 TEST(BlazeFace, FindsEveryLabelledFaceWithItsKeyPointsAndNothingInAnEmptyFrame)
@@ -60,6 +62,33 @@ TEST(GreyExpressionNet, ReadsNothingOutsideTheImageAndNamesAMissingModel)
     EXPECT_FALSE(missing.isLoaded());
     EXPECT_TRUE(missing.errorString().contains("/nonexistent/m.json"));
     EXPECT_EQ(missing.smileLogOdds(image, photo.face), 0.f);
+}
+
+TEST(GreyExpressionNet, DimAndWashedOutLightLeaveTheVerdictAsItIs)
+{
+    VextilGreyExpressionNet net;
+    for (const LabelledPhoto &photo : loadLabelledPhotos()) {
+        if (photo.smile == "slight")
+            continue;
+        SCOPED_TRACE(qPrintable(photo.file));
+        const QImage image = loadPhoto(photo);
+        QImage dim = image, washed = image;
+        for (int y = 0; y < image.height(); ++y) {
+            auto *d = reinterpret_cast<QRgb *>(dim.scanLine(y));
+            auto *w = reinterpret_cast<QRgb *>(washed.scanLine(y));
+            for (int x = 0; x < image.width(); ++x) {
+                const auto light = [](QRgb p, double gain, int lift) {
+                    const auto c = [&](int v) { return std::clamp(int(v * gain) + lift, 0, 255); };
+                    return qRgb(c(qRed(p)), c(qGreen(p)), c(qBlue(p)));
+                };
+                d[x] = light(d[x], 0.35, 0);
+                w[x] = light(w[x], 0.5, 120);
+            }
+        }
+        const float score = net.smileLogOdds(image, photo.face);
+        EXPECT_NEAR(net.smileLogOdds(dim, photo.face), score, 1.0) << "dim";
+        EXPECT_NEAR(net.smileLogOdds(washed, photo.face), score, 1.0) << "washed out";
+    }
 }
 
 TEST(LearnedFaceDetector, FindsEveryFaceAndTellsEveryClearSmileFromEveryNeutralFace)
