@@ -213,15 +213,15 @@ constexpr double kSmileOnsetSeconds = 7.0;
 
 // Runs every clip; returns how many completed at the pacing limit: the second smiling image one
 // second after the smile began (within a frame).
-int clips(const char *name, const Factory &make, const QList<const char *> &paths)
+int clips(const char *name, const Factory &make, const QStringList &paths)
 {
     int atLimit = 0;
-    for (const char *clip : paths) {
-        const ClipRunResult r = runClip(QString::fromUtf8(clip), make());
+    for (const QString &clip : paths) {
+        const ClipRunResult r = runClip(clip, make());
         const bool inTime = r.completed && r.completionSeconds <= kSmileOnsetSeconds + 1.0 + 1.0 / 15 + 1e-6;
         atLimit += inTime;
         std::printf("%-8s %-24s %s; %5.2f s from first neutral image to completion; %d fall-backs%s\n", name,
-                    qPrintable(QFileInfo(QString::fromUtf8(clip)).fileName()), r.completed ? "completed    " : "NOT completed",
+                    qPrintable(QFileInfo(clip).fileName()), r.completed ? "completed    " : "NOT completed",
                     r.completed ? r.completionSeconds - r.firstNeutralSeconds : 0.0, r.fallbacks,
                     r.completed && !inTime ? " (after the pacing limit)" : "");
     }
@@ -253,20 +253,16 @@ int main(int argc, char **argv)
     for (const auto &[name, make] : detectors)
         summary[name].smiles = photos(name, make);
     learnedCurve();
-    const QList<const char *> paths{VEXTIL_SELFIE_CLIP, VEXTIL_CLIP_DIM, VEXTIL_CLIP_BRIGHT, VEXTIL_CLIP_SMIRK,
-                                    VEXTIL_CLIP_TALKING};
+    QStringList paths;
+    for (const char *clip : {VEXTIL_SELFIE_CLIP, VEXTIL_CLIP_DIM, VEXTIL_CLIP_BRIGHT, VEXTIL_CLIP_SMIRK, VEXTIL_CLIP_TALKING})
+        paths.append(QString::fromUtf8(clip));
     for (const auto &[name, make] : detectors)
         summary[name].clipsAtLimit = clips(name, make, paths);
-    QList<QByteArray> given;
-    for (const QString &path : app.arguments().mid(1))
-        given.append(path.toLocal8Bit());
-    QList<const char *> extra;
-    for (const QByteArray &path : given)
-        extra.append(path.constData());
+    const QStringList given = app.arguments().mid(1);
     for (const auto &[name, make] : detectors)
-        if (!extra.isEmpty())
-            std::printf("%s clips given completed at the pacing limit %d/%lld\n", name, clips(name, make, extra),
-                        static_cast<long long>(extra.size()));
+        if (!given.isEmpty())
+            std::printf("%s clips given completed at the pacing limit %d/%lld\n", name, clips(name, make, given),
+                        static_cast<long long>(given.size()));
     // One line per detector, in a fixed form that scripts compare between runs.
     for (const auto &[name, make] : detectors) {
         const Summary &s = summary[name];

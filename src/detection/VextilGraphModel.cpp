@@ -42,16 +42,13 @@ Tensor readTensor(const QJsonObject &w, const QByteArray &bytes, qsizetype &at)
         fail(QStringLiteral("the weights file is shorter than its manifest"));
     t.values.create(1, std::max(count, 1), CV_32F);
     const char *data = bytes.constData() + at;
-    for (int i = 0; i < count; ++i) {
-        float value = 0;
-        if (quantised)
-            value = float(q.value(QStringLiteral("min")).toDouble() + q.value(QStringLiteral("scale")).toDouble() * quint8(data[i]));
-        else if (type == QLatin1String("int32"))
-            value = float(reinterpret_cast<const qint32 *>(data)[i]);
-        else
-            value = reinterpret_cast<const float *>(data)[i];
-        t.values.at<float>(i) = value;
-    }
+    const bool integers = type == QLatin1String("int32");
+    const double minimum = q.value(QStringLiteral("min")).toDouble(), scale = q.value(QStringLiteral("scale")).toDouble();
+    float *values = t.values.ptr<float>();
+    for (int i = 0; i < count; ++i)
+        values[i] = quantised ? float(minimum + scale * quint8(data[i]))
+                    : integers ? float(reinterpret_cast<const qint32 *>(data)[i])
+                               : reinterpret_cast<const float *>(data)[i];
     at += size;
     return t;
 }
