@@ -7,5 +7,7 @@ build=${1:-$root/build}
 shift || true
 
 "$root/scripts/install-deps.sh"
-cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" >/dev/null
+# The development overrides are for the project's own tests and tools; the installed library
+# never reads the environment, with or without them.
+cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVEXTIL_ENV_OVERRIDES=ON "$@" >/dev/null
 cmake --build "$build" --parallel "$(nproc)"

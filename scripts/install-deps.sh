@@ -9,7 +9,7 @@ packages=(
   libqt6svg6 qt6-qpa-plugins
   libopencv-dev opencv-data
   libgtest-dev libgmock-dev
-  libssl-dev libcpp-httplib-dev
+  libssl-dev libcpp-httplib-dev openssl util-linux mount
   clang libclang-rt-14-dev
   doxygen dpkg-dev
   qt6-l10n-tools qt6-tools-dev

@@ -8,6 +8,7 @@
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitExport.h>
 
+#include <QMutex>
 #include <QObject>
 #include <QPointer>
 
@@ -36,9 +37,12 @@ public:
     bool isPresentingTutorial() const { return m_presentTutorial; }
     /// Starts a capture flow over the host's top-most screen (a modal dialog of the host's
     /// included). While a flow is open, a new request only replaces the callback: the one flow
-    /// goes on, and the new callback gets its result.
+    /// goes on, and the new callback gets its result. A flow whose screens go with the host's
+    /// window reports (false, error 421). May be called from inside the capture callback.
     void requestFace(CaptureCallback callback);
-    /// Uploads the stored capture; on success the stored face images are dropped.
+    /// Uploads the stored capture; on success the stored face images are dropped. A send while
+    /// another is in flight runs beside it; each calls back its own callback once. May be called
+    /// from inside a send callback, on the thread that callback runs on.
     void sendFaceDataWithCallback(SendCallback callback);
 
     /// The widget the camera screen is presented from. When the host sets none, the active
@@ -50,8 +54,9 @@ public:
     VextilConfirmController *confirmController() const { return m_confirmController; }
     CaptureCallback imageResult() const { return m_imageResult; }
     void setImageResult(CaptureCallback callback) { m_imageResult = std::move(callback); }
-    SendCallback sendResult() const { return m_sendResult; }
-    void setSendResult(SendCallback callback) { m_sendResult = std::move(callback); }
+    /// The callback of the latest send; any thread, as sends may start inside send callbacks.
+    SendCallback sendResult() const;
+    void setSendResult(SendCallback callback);
 
     /// Replaces the camera of the next camera screen built (a video file, for instance).
     void setFrameSourceFactory(std::function<std::unique_ptr<VextilFrameSource>()> factory);
@@ -69,10 +74,20 @@ private:
     static QWidget *topMost(QWidget *root);
     bool isFlowOnShow() const;
     bool isFlowOpen() const;  // a flow has its camera screen and is not closing
+    void finishFlow(bool result, std::optional<VextilError> error);
+    void screensDestroyed(quint64 flow);
 
+    struct ClosingResult {
+        bool result = false;
+        std::optional<VextilError> error;
+    };
     bool m_presentTutorial = true;
-    bool m_closing = false;  // the flow's screens are going; its result is on its way
+    bool m_closing = false;        // the flow's screens are going; its result is on its way
+    bool m_flowReported = true;    // the current flow's callback has run (or no flow was started)
+    quint64 m_flow = 0;            // counts flows, to tell the current one's screen from earlier ones
+    ClosingResult m_closingResult;  // what the closing flow reports
     CaptureCallback m_imageResult;
+    mutable QMutex m_sendMutex;  // sends may start on an upload's thread, from a send callback
     SendCallback m_sendResult;
     QPointer<QWidget> m_rootController;
     QPointer<VextilFaceCameraViewController> m_faceCameraViewController;

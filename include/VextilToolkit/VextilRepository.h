@@ -67,6 +67,7 @@ public:
     std::optional<VextilError> error() const;
     void setError(std::optional<VextilError> error);
     /// Network session of the most recent upload (opaque); null before the first real transfer.
+    /// A send replaces it without stopping the earlier transfer; it may be let go of on any thread.
     std::shared_ptr<VextilUploadSession> session() const;
     void setSession(std::shared_ptr<VextilUploadSession> session);
 
@@ -132,7 +133,7 @@ public:
         return VextilUploadRequest::headers(authKey, boundary);
     }
     /// The upload service's host, "host" or "host:port" (the scheme and path stay https and
-    /// /file); empty, the build's default. Development builds let VEXTIL_UPLOAD_HOST override it.
+    /// /file); empty, the build's default. The library never takes it from the environment.
     void setUploadHost(const QString &host);
     QString uploadHost() const;
     /// Certificate authorities to trust for the upload besides the system's, in PEM (one or more
@@ -140,10 +141,12 @@ public:
     /// changed, when an entry holds no certificate.
     bool setExtraCertificateAuthorities(const QList<QByteArray> &pemCertificates);
 
-    /// Public keys the upload server's chain must hold one of: each the raw 32-byte SHA-256 of a
-    /// DER SubjectPublicKeyInfo (a leaf's, an intermediate's or an authority's presented in the
-    /// chain). A server that holds none is refused (423) before any request byte is sent. An
-    /// empty list means no pinning. False, and nothing changed, when a digest is not 32 bytes.
+    /// Public keys the upload server's verified chain must hold one of: each the raw 32-byte
+    /// SHA-256 of a DER SubjectPublicKeyInfo (the leaf's, an intermediate's or a trusted root's,
+    /// sent by the server or not). The chain is rebuilt from the leaf by signatures up to a
+    /// trusted authority; certificates merely sent along do not count. A server whose chain holds
+    /// none is refused (423) before any request byte is sent. An empty list means no pinning.
+    /// False, and nothing changed, when a digest is not 32 bytes.
     bool setPinnedPublicKeys(QList<QByteArray> sha256Digests);
 
     /// The certificate text the upload refuses to talk to: the toolkit's "_vextilco.crt" resource

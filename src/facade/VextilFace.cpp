@@ -80,6 +80,9 @@ void VextilFace::presentCameraView()
         m_faceCameraViewController->setModel(new VextilFaceCameraModel);
         if (m_frameSourceFactory)
             m_faceCameraViewController->setFrameSource(m_frameSourceFactory());
+        m_flowReported = false;
+        // The screens live in the host's window: when it goes, the flow goes with it.
+        connect(m_faceCameraViewController, &QObject::destroyed, this, [this, flow = ++m_flow] { screensDestroyed(flow); });
     }
     m_rootController = topMost(m_rootController);
     m_faceCameraViewController->setPresentTutorial(m_presentTutorial);
@@ -131,34 +134,69 @@ void VextilFace::dismissCamerControlerWithResult(bool result, std::optional<Vext
     if (!isFlowOpen())
         return;
     m_closing = true;
-    const auto close = [this, result, error] {
-        // Drop the screens first, then tell the host, exactly once per flow.
-        if (m_faceCameraViewController)
-            m_faceCameraViewController->deleteLater();
-        if (m_confirmController)
-            m_confirmController->deleteLater();
-        m_faceCameraViewController = nullptr;
-        m_rootController = nullptr;
-        m_confirmController = nullptr;
-        m_closing = false;
-        if (m_imageResult)
-            m_imageResult(result, error);
-    };
+    m_closingResult = {result, error};
+    const auto close = [this, result, error] { finishFlow(result, error); };
     if (m_faceCameraViewController->isVisible())
         m_faceCameraViewController->dismissViewControllerAnimated(true, close);
     else
         close();
 }
 
+void VextilFace::finishFlow(bool result, std::optional<VextilError> error)
+{
+    if (m_flowReported)
+        return;
+    m_flowReported = true;
+    // Drop the screens first, then tell the host, exactly once per flow.
+    if (m_faceCameraViewController)
+        m_faceCameraViewController->deleteLater();
+    if (m_confirmController)
+        m_confirmController->deleteLater();
+    m_faceCameraViewController = nullptr;
+    m_rootController = nullptr;
+    m_confirmController = nullptr;
+    m_closing = false;
+    // A copy: the host may start the next flow from its callback, which replaces the stored one.
+    const CaptureCallback callback = m_imageResult;
+    if (callback)
+        callback(result, error);
+}
+
+void VextilFace::screensDestroyed(quint64 flow)
+{
+    if (flow != m_flow || m_flowReported)
+        return;  // an earlier flow's screen, deleted after its report
+    // Gone with the host's window before the flow ended: it ends as it was closing, or as a
+    // failed capture. Reported from the event loop, not from inside the host's deletion.
+    const auto [result, error] = m_closing ? m_closingResult
+                                           : ClosingResult{false, VextilError::createVextilSDKErrorWithCode(VextilErrorCodeCaptureFailed)};
+    m_closing = true;
+    VextilMainQueue::dispatchAsync(this, [this, result, error] { finishFlow(result, error); });
+}
+
 void VextilFace::sendFaceDataWithCallback(SendCallback callback)
 {
-    m_sendResult = std::move(callback);
+    setSendResult(callback);
+    // Each send calls back the callback it was given, from its own copy: a host may send again
+    // from inside it, or send twice in a row, and every send is answered once.
     VextilRepository::sharedInstance()->sendDataWithDataType(
-        VextilDataTypeFace, [sendResult = m_sendResult](std::optional<QVariantMap> answer, std::optional<VextilError> error) {
+        VextilDataTypeFace, [sendResult = std::move(callback)](std::optional<QVariantMap> answer, std::optional<VextilError> error) {
             // Images stay for a retry unless the upload succeeded.
             if (!error)
                 VextilRepository::sharedInstance()->resetFaceImages();
             if (sendResult)
                 sendResult(std::move(answer), std::move(error));
         });
+}
+
+VextilFace::SendCallback VextilFace::sendResult() const
+{
+    QMutexLocker lock(&m_sendMutex);
+    return m_sendResult;
+}
+
+void VextilFace::setSendResult(SendCallback callback)
+{
+    QMutexLocker lock(&m_sendMutex);
+    m_sendResult = std::move(callback);
 }

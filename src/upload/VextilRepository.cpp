@@ -51,7 +51,14 @@ void VextilRepository::setResultData(std::optional<QVariantMap> data) { writeLoc
 std::optional<VextilError> VextilRepository::error() const { return readLocked(m_mutex, m_error); }
 void VextilRepository::setError(std::optional<VextilError> error) { writeLocked(m_mutex, m_error, std::move(error)); }
 std::shared_ptr<VextilUploadSession> VextilRepository::session() const { return readLocked(m_mutex, m_session); }
-void VextilRepository::setSession(std::shared_ptr<VextilUploadSession> session) { writeLocked(m_mutex, m_session, std::move(session)); }
+void VextilRepository::setSession(std::shared_ptr<VextilUploadSession> session)
+{
+    // The replaced session may be the last hold on its thread: it goes outside the lock, since
+    // stopping that thread may wait for work that needs the lock.
+    std::shared_ptr<VextilUploadSession> replaced = std::move(session);
+    QMutexLocker lock(&m_mutex);
+    m_session.swap(replaced);
+}
 
 bool VextilRepository::hasDocumentFrontImage() const { return !documentFrontImage().isNull(); }
 bool VextilRepository::hasDocumentBackImage() const { return !documentBackImage().isNull(); }
@@ -163,9 +170,11 @@ void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallbac
         return;
     }
     request.setRawHeader("Content-Length", QByteArray::number(body.size()));
-    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-    tls.addCaCertificates(endpoint.extraAuthorities);
+    const QSslConfiguration tls = VextilServerTrust::configuration(endpoint.extraAuthorities);
     request.setSslConfiguration(tls);
+    // The pins are checked against the chain that ends in one of the authorities just trusted.
+    const QList<QSslCertificate> anchors =
+        endpoint.pinnedKeys.isEmpty() ? QList<QSslCertificate>() : VextilServerTrust::authoritiesOf(tls);
 
     auto session = std::make_shared<VextilUploadSession>();
     setSession(session);  // replaces an earlier session without stopping its transfer
@@ -175,7 +184,8 @@ void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallbac
             setProgress(double(sent) / double(total));
     };
     handlers.completion = [this, callBack](const VextilUploadOutcome &outcome) { finishTransfer(outcome, callBack); };
-    session->start(request, body, VextilServerTrust(getLocalCertificate().value_or(QString()), endpoint.pinnedKeys),
+    session->start(request, body,
+                   VextilServerTrust(getLocalCertificate().value_or(QString()), endpoint.pinnedKeys, anchors),
                    std::move(handlers));
 }
 

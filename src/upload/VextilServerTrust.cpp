@@ -1,10 +1,13 @@
 #include "upload/VextilServerTrust.h"
 
+#include "upload/VextilCertificateChainCleaner.h"
+
 #include <QCryptographicHash>
 #include <QSslKey>
 
-VextilServerTrust::VextilServerTrust(QString refusedCertificate, QList<QByteArray> pinnedKeys)
-    : m_refused(std::move(refusedCertificate)), m_pins(std::move(pinnedKeys))
+VextilServerTrust::VextilServerTrust(QString refusedCertificate, QList<QByteArray> pinnedKeys,
+                                     QList<QSslCertificate> authorities)
+    : m_refused(std::move(refusedCertificate)), m_pins(std::move(pinnedKeys)), m_authorities(std::move(authorities))
 {
 }
 
@@ -14,14 +17,29 @@ bool VextilServerTrust::accepts(const QList<QSslCertificate> &chain) const
         return false;
     if (m_pins.isEmpty())
         return true;
-    for (qsizetype i = 0; i < chain.size(); ++i) {
-        // A certificate added to the chain but not linked to the leaf proves nothing.
-        if (i > 0 && chain[i - 1].issuerDisplayName() != chain[i].subjectDisplayName())
-            break;
-        if (m_pins.contains(publicKeyDigest(chain[i])))
+    // Only keys that signed their way from the leaf to an authority count: a certificate the
+    // server merely sends along (a genuine one behind an interceptor's leaf) proves nothing.
+    for (const QSslCertificate &certificate : VextilCertificateChainCleaner::clean(chain, m_authorities))
+        if (m_pins.contains(publicKeyDigest(certificate)))
             return true;
-    }
     return false;
+}
+
+QSslConfiguration VextilServerTrust::configuration(const QList<QSslCertificate> &extra)
+{
+    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+    // Adding authorities switches off Qt's loading of the system's on demand, so they are added
+    // to the system's explicitly; without extras the default stays exactly as it is.
+    if (!extra.isEmpty())
+        tls.setCaCertificates(authoritiesOf(tls) + extra);
+    return tls;
+}
+
+QList<QSslCertificate> VextilServerTrust::authoritiesOf(const QSslConfiguration &configuration)
+{
+    // An empty list is the default configuration loading the system's as the handshake needs them.
+    const QList<QSslCertificate> authorities = configuration.caCertificates();
+    return authorities.isEmpty() ? QSslConfiguration::systemCaCertificates() : authorities;
 }
 
 QByteArray VextilServerTrust::publicKeyDigest(const QSslCertificate &certificate)

@@ -6,14 +6,13 @@
 #include <QString>
 #include <QUrl>
 
+#include <functional>
+
 /// Where uploads go, whom to trust there and how long a transfer may stall. The host application
-/// sets the host and extra certificate authorities in code (VextilRepository); without that, the
-/// build's default host (CMake VEXTIL_UPLOAD_HOST) and the system's authorities hold. Builds with
-/// VEXTIL_ENV_OVERRIDES (the default) also read, at every upload, these development overrides,
-/// which win over the code and log one warning while in effect:
-///   VEXTIL_UPLOAD_HOST        host[:port] of the upload service (scheme and path stay https, /file)
-///   VEXTIL_UPLOAD_TIMEOUT_MS  idle time-out of a transfer, default 60000
-///   VEXTIL_UPLOAD_CA_FILE     PEM file of extra certificate authorities to trust
+/// sets the host, extra certificate authorities and pins in code (VextilRepository); without
+/// that, the build's default host (CMake VEXTIL_UPLOAD_HOST) and the system's authorities hold.
+/// The library itself never reads the environment: only development builds' own programs may
+/// install an adjustment (VextilEnvironmentOverrides).
 struct VextilUploadEndpoint {
     QUrl url;
     int timeoutMs = 60000;
@@ -28,4 +27,10 @@ struct VextilUploadEndpoint {
     static QString host();
     static void setExtraAuthorities(const QList<QSslCertificate> &authorities);
     static void setPinnedKeys(const QList<QByteArray> &digests);
+    /// Idle time-out of a transfer; 0 or less restores the default of 60 s.
+    static void setTimeoutMs(int milliseconds);
+
+    /// Applied to every endpoint after the host's settings; empty to remove. Any thread.
+    using Adjustment = std::function<void(VextilUploadEndpoint &)>;
+    static void setAdjustment(Adjustment adjustment);
 };

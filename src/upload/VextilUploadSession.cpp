@@ -26,41 +26,57 @@ VextilUploadOutcome outcomeOf(QNetworkReply *reply)
 
 }  // namespace
 
-VextilUploadSession::VextilUploadSession()
+VextilUploadSession::VextilUploadSession() : m_thread(std::make_unique<QThread>())
 {
-    m_thread.setObjectName(QStringLiteral("com.VextilToolkit.upload"));
+    m_thread->setObjectName(QStringLiteral("com.VextilToolkit.upload"));
 }
 
 VextilUploadSession::~VextilUploadSession()
 {
-    m_thread.quit();
-    m_thread.wait();
+    m_thread->quit();
+    if (QThread::currentThread() != m_thread.get()) {
+        m_thread->wait();
+        return;
+    }
+    // A host that lets go of the session in its send callback ends it on its own thread, which
+    // cannot wait for itself: the GUI thread joins it once its event loop has run out.
+    QThread *thread = m_thread.release();
+    if (QCoreApplication::instance())
+        VextilMainQueue::dispatchAsync(qApp, [thread] {
+            thread->wait();
+            delete thread;
+        });
 }
 
 void VextilUploadSession::start(QNetworkRequest request, QByteArray body, VextilServerTrust trust, Handlers handlers)
 {
-    // Keeps the session (and its thread) alive until the transfer is over, whoever else
-    // lets go of it meanwhile; it is let go of on the GUI thread, never on its own.
+    // The transfer's own hold on the session, let go of once its completion has run, on
+    // whatever thread that happens to be.
     auto self = shared_from_this();
     auto *manager = new QNetworkAccessManager;
-    manager->moveToThread(&m_thread);
-    m_thread.start();
-    QMetaObject::invokeMethod(manager, VextilThreadHandoff([self, manager, request, body,
-                                                                  trust = std::move(trust),
-                                                                  handlers = std::move(handlers)]() mutable {
-        QNetworkReply *reply = manager->post(request, body);
-        QObject::connect(reply, &QNetworkReply::uploadProgress, reply, handlers.progress);
-        // Runs only once the system has validated the chain (an unvalidated chain fails the
-        // handshake before this point), and before any request byte is written.
-        QObject::connect(reply, &QNetworkReply::encrypted, reply, [reply, trust] {
-            if (!trust.accepts(reply->sslConfiguration().peerCertificateChain()))
-                reply->abort();
-        });
-        QObject::connect(reply, &QNetworkReply::finished, reply, [self, manager, reply, handlers]() mutable {
-            handlers.completion(outcomeOf(reply));
-            manager->deleteLater();  // with its reply, as the thread finishes
-            self->m_thread.quit();
-            VextilMainQueue::dispatchAsync(qApp, [keep = std::move(self)] {});
-        });
-    }));
+    manager->moveToThread(m_thread.get());
+    m_thread->start();
+    QMetaObject::invokeMethod(
+        manager, VextilThreadHandoff([self, manager, request, body, trust = std::move(trust),
+                                      handlers = std::move(handlers)]() mutable {
+            QNetworkReply *reply = manager->post(request, body);
+            QObject::connect(reply, &QNetworkReply::uploadProgress, reply, handlers.progress);
+            // Runs only once the system has validated the chain (an unvalidated chain fails the
+            // handshake before this point), and before any request byte is written.
+            QObject::connect(reply, &QNetworkReply::encrypted, reply, [reply, trust] {
+                if (!trust.accepts(reply->sslConfiguration().peerCertificateChain()))
+                    reply->abort();
+            });
+            QObject::connect(
+                reply, &QNetworkReply::finished, reply,
+                [self = std::move(self), manager, reply, completion = std::move(handlers.completion)]() mutable {
+                    const VextilUploadOutcome outcome = outcomeOf(reply);
+                    manager->deleteLater();  // with its reply, as the thread finishes
+                    self->m_thread->quit();
+                    // The session may end within these lines: nothing of it is used after.
+                    const auto keep = std::move(self);
+                    const auto done = std::move(completion);
+                    done(outcome);
+                });
+        }));
 }

@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QNetworkRequest>
-#include <QObject>
 #include <QString>
 #include <QThread>
 
@@ -22,9 +21,9 @@ struct VextilUploadOutcome {
 /// One upload's network session: a thread of its own that owns the network access manager, on
 /// which progress, the server check and completion run. The server is trusted when the system
 /// validates its chain and the upload's VextilServerTrust accepts it. Keeps itself alive until
-/// its transfer has completed.
-class VextilUploadSession : public QObject, public std::enable_shared_from_this<VextilUploadSession> {
-    Q_OBJECT
+/// its transfer has completed; its last reference may be dropped on any thread, its own included
+/// (which is why it is no QObject: it belongs to no thread).
+class VextilUploadSession : public std::enable_shared_from_this<VextilUploadSession> {
 public:
     struct Handlers {
         std::function<void(qint64 sent, qint64 total)> progress;      ///< network thread
@@ -32,12 +31,14 @@ public:
     };
 
     VextilUploadSession();
-    /// Stops the thread and waits for it.
-    ~VextilUploadSession() override;
+    /// Stops the thread; waits for it, or, on that very thread, leaves the wait to the GUI thread.
+    ~VextilUploadSession();
+    VextilUploadSession(const VextilUploadSession &) = delete;
+    VextilUploadSession &operator=(const VextilUploadSession &) = delete;
 
     /// Posts the body to a server that `trust` accepts.
     void start(QNetworkRequest request, QByteArray body, VextilServerTrust trust, Handlers handlers);
 
 private:
-    QThread m_thread;
+    std::unique_ptr<QThread> m_thread;
 };

@@ -3,6 +3,7 @@
 #include <VextilToolkit/VextilVideoFileReader.h>
 #include <VextilToolkit/VextilVideoFileSource.h>
 
+#include "AliveGuard.h"
 #include "ReferenceServer.h"
 #include "capture/VextilFaceCameraView.h"
 #include "review/VextilConfirmView.h"
@@ -119,6 +120,16 @@ protected:
 
     static void press(QAbstractButton *button) { QTest::mousePress(button, Qt::LeftButton); }
 
+    // Uploads go to the server, as a host sets it in code.
+    static void useServer(const ReferenceServer &server)
+    {
+        auto *store = VextilRepository::sharedInstance();
+        store->setUploadHost(server.host());
+        QFile authority(server.authorityFile());
+        ASSERT_TRUE(authority.open(QIODevice::ReadOnly));
+        ASSERT_TRUE(store->setExtraCertificateAuthorities({authority.readAll()}));
+    }
+
     QWidget host;
     VextilFace *face = VextilFace::sharedInstance();
     int reports = 0;
@@ -144,8 +155,7 @@ TEST_F(FaceFlowTest, CaptureReviewAcceptAndUploadEndToEnd)
     EXPECT_EQ(face->rootController(), nullptr);
 
     ReferenceServer server;
-    qputenv("VEXTIL_UPLOAD_HOST", server.host().toUtf8());
-    qputenv("VEXTIL_UPLOAD_CA_FILE", server.authorityFile().toUtf8());
+    useServer(server);
     store->setAuthKey(QString::fromLatin1(ReferenceServer::kKey));
     std::atomic<int> sent{0};
     std::optional<QVariantMap> answer;
@@ -198,6 +208,53 @@ TEST_F(FaceFlowTest, CancelOnTheCameraScreenReports421AndASecondRequestBuildsNew
     EXPECT_NE(face->faceCameraViewController()->model(), nullptr);
     face->faceCameraViewController()->didCancel();
     EXPECT_TRUE(QTest::qWaitFor([&] { return reports == 2; }, 5000));
+}
+
+TEST_F(FaceFlowTest, AFlowWhoseWindowGoesReports421OnceAndTheHostMayRetryFromInsideItsCallback)
+{
+    const auto cameraOnShow = [&] { return face->faceCameraViewController() && face->faceCameraViewController()->isVisible(); };
+    // The host's window closes while the camera screen is up, or while it is being dismissed.
+    for (bool dismissing : {false, true}) {
+        SCOPED_TRACE(dismissing ? "while dismissing" : "while capturing");
+        auto *window = new QWidget;
+        window->resize(390, 844);
+        window->show();
+        face->setRootController(window);
+        const int before = reports;
+        requestFace();
+        ASSERT_TRUE(QTest::qWaitFor(cameraOnShow, 3000));
+        if (dismissing)
+            press(face->faceCameraViewController()->navigationView()->backButton());
+        delete window;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return reports == before + 1; }, 3000)) << "the flow called back";
+        EXPECT_FALSE(lastSuccess);
+        EXPECT_EQ(lastError ? lastError->code : 0, 421);
+        EXPECT_TRUE(screensGoneAtReport);
+        QTest::qWait(300);
+        EXPECT_EQ(reports, before + 1) << "once";
+    }
+
+    // A host that asks again from inside its 421 callback replaces the callback that is running.
+    face->setRootController(&host);
+    auto alive = std::make_shared<bool>(true);
+    int retried = 0;
+    std::optional<bool> intact;
+    face->requestFace([&, guard = std::make_shared<AliveGuard>(alive)](bool, std::optional<VextilError> error) {
+        ++retried;
+        EXPECT_EQ(error ? error->code : 0, 421);
+        requestFace();
+        intact = *alive;
+    });
+    ASSERT_TRUE(QTest::qWaitFor(cameraOnShow, 3000));
+    face->faceCameraViewController()->didCancel();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return intact.has_value(); }, 5000));
+    EXPECT_TRUE(*intact) << "the running callback was destroyed by the retry";
+    EXPECT_FALSE(*alive) << "and is let go of afterwards";
+    ASSERT_TRUE(QTest::qWaitFor(cameraOnShow, 5000)) << "the retried flow is up";
+    const int before = reports;
+    face->faceCameraViewController()->didCancel();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reports == before + 1; }, 5000));
+    EXPECT_EQ(retried, 1);
 }
 
 TEST_F(FaceFlowTest, PermissionPathsEndIn421OrLeaveTheScreenForSettings)
@@ -254,7 +311,7 @@ TEST_F(FaceFlowTest, NoFrameReachesTheModelWhileTheTutorialIsUp)
     EXPECT_TRUE(QTest::qWaitFor([&] { return reports == 1; }, 5000));
 }
 
-TEST_F(FaceFlowTest, AFailedSendKeepsTheImagesForARetry)
+TEST_F(FaceFlowTest, AFailedSendKeepsTheImagesForARetryEvenFromInsideItsCallback)
 {
     auto *store = VextilRepository::sharedInstance();
     store->setAuthKey(QString::fromLatin1(ReferenceServer::kKey));
@@ -262,18 +319,27 @@ TEST_F(FaceFlowTest, AFailedSendKeepsTheImagesForARetry)
     image.fill(Qt::gray);
     store->setFaceImages(std::make_shared<QList<QImage>>(5, image));
     store->setFaceSmileImages(std::make_shared<QList<QImage>>(2, image));
-    for (const auto &[args, failed] : {std::pair{QStringList{"--status", "500"}, true}, {QStringList{}, false}}) {
-        ReferenceServer server(args);
-        qputenv("VEXTIL_UPLOAD_HOST", server.host().toUtf8());
-        qputenv("VEXTIL_UPLOAD_CA_FILE", server.authorityFile().toUtf8());
-        std::atomic<int> sent{0};
-        face->sendFaceDataWithCallback([&](std::optional<QVariantMap>, std::optional<VextilError> e) {
-            EXPECT_EQ(e.has_value(), failed);
-            ++sent;
+    ReferenceServer failing({"--status", "500"}), working;
+    useServer(failing);
+    std::atomic<int> failed{0}, succeeded{0};
+    std::atomic<bool> keptForRetry{false};
+    face->sendFaceDataWithCallback([&](std::optional<QVariantMap>, std::optional<VextilError> e) {
+        EXPECT_EQ(e ? e->code : 0, 1500);
+        keptForRetry = store->getFaceImages() != nullptr;
+        useServer(working);
+        face->sendFaceDataWithCallback([&](std::optional<QVariantMap> answer, std::optional<VextilError> e2) {
+            EXPECT_FALSE(e2.has_value());
+            EXPECT_TRUE(answer.has_value());
+            ++succeeded;
         });
-        ASSERT_TRUE(QTest::qWaitFor([&] { return sent == 1; }, 20000));
-        EXPECT_EQ(store->getFaceImages() != nullptr, failed) << "kept after a failure, dropped after success";
-    }
+        ++failed;
+    });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return failed == 1 && succeeded == 1; }, 20000));
+    QTest::qWait(100);
+    EXPECT_EQ(failed + succeeded, 2) << "each send answered once";
+    EXPECT_TRUE(keptForRetry) << "kept after a failure";
+    EXPECT_EQ(store->getFaceImages(), nullptr) << "dropped after success";
+    EXPECT_EQ(working.uploadFolders().size(), 1);
 }
 
 TEST_F(FaceFlowTest, LandscapeAndSidewaysCamerasGivePortraitImagesOfWhatTheViewShows)

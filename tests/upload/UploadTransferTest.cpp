@@ -1,6 +1,12 @@
 #include <VextilToolkit/VextilRepository.h>
 
+#include "AliveGuard.h"
 #include "ReferenceServer.h"
+#include "upload/VextilServerTrust.h"
+#include "upload/VextilUploadEndpoint.h"
+#ifdef VEXTIL_ENV_OVERRIDES
+#include "upload/VextilEnvironmentOverrides.h"
+#endif
 #include "TestCertificates.h"
 #include "TestImages.h"
 
@@ -80,13 +86,16 @@ protected:
         store->setFaceSmileImages(smiling);
         store->setError(std::nullopt);
         QSettings().setValue("isTest", false);
-        qunsetenv("VEXTIL_UPLOAD_TIMEOUT_MS");
+        VextilUploadEndpoint::setTimeoutMs(0);
+        store->setPinnedPublicKeys({});
     }
 
-    static void pointAt(const QString &host, const QString &authority = {})
+    // Points uploads at a server, as a host does in code, trusting the PEM file's authorities
+    // besides the system's.
+    void pointAt(const QString &host, const QString &authority = {})
     {
-        qputenv("VEXTIL_UPLOAD_HOST", host.toUtf8());
-        qputenv("VEXTIL_UPLOAD_CA_FILE", authority.toUtf8());
+        store->setUploadHost(host);
+        ASSERT_TRUE(store->setExtraCertificateAuthorities(authority.isEmpty() ? QList<QByteArray>() : QList{readFile(authority)}));
     }
 
     // Sends the face data and waits for the callback, then a little longer, where a second
@@ -172,7 +181,7 @@ TEST_F(UploadTransferTest, FailedTransfersAre423)
     });
     ReferenceServer untrusted;
 
-    qputenv("VEXTIL_UPLOAD_TIMEOUT_MS", "400");
+    VextilUploadEndpoint::setTimeoutMs(400);
     const QString local = QStringLiteral("127.0.0.1:%1");
     for (const auto &[what, host] : {std::pair{"refused", local.arg(closedPort)}, {"silent", local.arg(silent.serverPort())},
                                      {"hangs up", local.arg(hangsUp.serverPort())}, {"garbage", local.arg(garbage.serverPort())},
@@ -317,16 +326,20 @@ private:
     QByteArray m_negotiated;
 };
 
-TEST_F(UploadTransferTest, PinnedKeysRefuseAServerWhoseChainHoldsNoneOfThemBeforeAnyByte)
+TEST_F(UploadTransferTest, PinsHoldOnlyForKeysThatSignedTheirWayFromTheLeafToATrustedAuthority)
 {
     const TestIdentity root = TestCertificates::authority(QStringLiteral("Pinning Root CA"));
     const TestIdentity intermediate = TestCertificates::issue(root, QStringLiteral("Pinning Intermediate CA"), true);
     const TestIdentity leaf = TestCertificates::issue(intermediate, QStringLiteral("127.0.0.1"), false);
     const TestIdentity rogueRoot = TestCertificates::authority(QStringLiteral("Rogue Root CA"));
     const TestIdentity rogueLeaf = TestCertificates::issue(rogueRoot, QStringLiteral("127.0.0.1"), false);
-    qunsetenv("VEXTIL_UPLOAD_CA_FILE");
-    // Both authorities are trusted: every server below passes the system's check.
-    ASSERT_TRUE(store->setExtraCertificateAuthorities({root.certificate.toPem(), rogueRoot.certificate.toPem()}));
+    // An interceptor whose authority the device trusts, named after the pinned intermediate, and
+    // a leaf of its own that it presents with the genuine intermediate behind it.
+    const TestIdentity interceptor = TestCertificates::authority(QStringLiteral("Pinning Intermediate CA"));
+    const TestIdentity interceptorLeaf = TestCertificates::issue(interceptor, QStringLiteral("127.0.0.1"), false);
+    // Every authority is trusted: every server below passes the system's check.
+    ASSERT_TRUE(store->setExtraCertificateAuthorities(
+        {root.certificate.toPem(), rogueRoot.certificate.toPem(), interceptor.certificate.toPem()}));
     EXPECT_FALSE(store->setPinnedPublicKeys({QByteArray("not a digest")}));
 
     struct Case {
@@ -336,15 +349,21 @@ TEST_F(UploadTransferTest, PinnedKeysRefuseAServerWhoseChainHoldsNoneOfThemBefor
         QList<QByteArray> pins;
         bool accepted;
     };
+    const QByteArray rootPin = TestCertificates::publicKeyPin(root.certificate);
     const QByteArray leafPin = TestCertificates::publicKeyPin(leaf.certificate);
     const QByteArray intermediatePin = TestCertificates::publicKeyPin(intermediate.certificate);
     const Case cases[] = {
         {"pin on the leaf", {leaf.certificate, intermediate.certificate}, leaf.key, {leafPin}, true},
         {"pin on the intermediate", {leaf.certificate, intermediate.certificate}, leaf.key, {QByteArray(32, 'x'), intermediatePin}, true},
+        {"pin on a root the server leaves out", {leaf.certificate, intermediate.certificate}, leaf.key, {rootPin}, true},
         {"no pins", {rogueLeaf.certificate}, rogueLeaf.key, {}, true},
         {"rogue leaf of another authority", {rogueLeaf.certificate}, rogueLeaf.key, {intermediatePin}, false},
         {"rogue leaf showing the pinned intermediate", {rogueLeaf.certificate, intermediate.certificate}, rogueLeaf.key,
          {intermediatePin}, false},
+        {"interceptor named after the pinned intermediate, showing it", {interceptorLeaf.certificate, intermediate.certificate},
+         interceptorLeaf.key, {intermediatePin}, false},
+        {"interceptor showing the pinned intermediate and root", {interceptorLeaf.certificate, intermediate.certificate, root.certificate},
+         interceptorLeaf.key, {intermediatePin, rootPin}, false},
     };
     for (const Case &c : cases) {
         for (bool http2 : {false, true}) {
@@ -353,7 +372,7 @@ TEST_F(UploadTransferTest, PinnedKeysRefuseAServerWhoseChainHoldsNoneOfThemBefor
             SCOPED_TRACE(std::string(c.name) + (http2 ? ", HTTP/2 offered" : ""));
             ASSERT_TRUE(store->setPinnedPublicKeys(c.pins));
             CapturingServer server(c.chain, c.key, http2);
-            qputenv("VEXTIL_UPLOAD_HOST", server.host().toUtf8());
+            store->setUploadHost(server.host());
             Delivery delivery;
             sendAndWait(delivery);
             EXPECT_EQ(delivery.code(), c.accepted ? 0 : 423);
@@ -365,8 +384,6 @@ TEST_F(UploadTransferTest, PinnedKeysRefuseAServerWhoseChainHoldsNoneOfThemBefor
             }
         }
     }
-    store->setPinnedPublicKeys({});
-    store->setExtraCertificateAuthorities({});
 }
 
 TEST_F(UploadTransferTest, AnEmptyKeyIsSentAsAnEmptyAuthorizationHeader)
@@ -385,13 +402,9 @@ TEST_F(UploadTransferTest, AnEmptyKeyIsSentAsAnEmptyAuthorizationHeader)
     }
 }
 
-QStringList warnings;  // what the toolkit logged, for the test below
-
-TEST_F(UploadTransferTest, TheHostSetsTheEndpointInCodeAndTheEnvironmentOverridesItWithOneWarning)
+TEST_F(UploadTransferTest, TheHostSetsTheEndpointInCodeWithExtraAuthoritiesBesideTheSystems)
 {
     ReferenceServer server;
-    qunsetenv("VEXTIL_UPLOAD_HOST");
-    qunsetenv("VEXTIL_UPLOAD_CA_FILE");
     store->setUploadHost(server.host());
     EXPECT_EQ(store->uploadHost(), server.host());
     EXPECT_FALSE(store->setExtraCertificateAuthorities({"not a certificate"}));
@@ -403,37 +416,93 @@ TEST_F(UploadTransferTest, TheHostSetsTheEndpointInCodeAndTheEnvironmentOverride
     sendAndWait(trusted);
     EXPECT_FALSE(trusted.error.has_value());
 
-    // The environment wins, for development and tests, and says so once.
+    // The system's authorities stay in force beside the extra ones.
+    const QSslConfiguration tls = VextilServerTrust::configuration(QSslCertificate::fromPath(server.authorityFile()));
+    const QList<QSslCertificate> system = QSslConfiguration::systemCaCertificates();
+    ASSERT_FALSE(system.isEmpty()) << "this machine has a system trust store";
+    EXPECT_EQ(tls.caCertificates().size(), system.size() + 1);
+    EXPECT_TRUE(tls.caCertificates().contains(system.first()));
+    store->setUploadHost({});
+}
+
+#ifdef VEXTIL_ENV_OVERRIDES
+QStringList warnings;  // what the toolkit logged, for the test below
+
+TEST_F(UploadTransferTest, DevelopmentBuildsLetTheEnvironmentOverrideTheEndpointWithOneWarning)
+{
+    ReferenceServer server;
+    qputenv("VEXTIL_UPLOAD_HOST", server.host().toUtf8());
+    qputenv("VEXTIL_UPLOAD_CA_FILE", server.authorityFile().toUtf8());
+    store->setUploadHost(QStringLiteral("127.0.0.1:1"));  // nobody listens there
+    Delivery ignored;
+    sendAndWait(ignored);
+    EXPECT_EQ(ignored.code(), 423) << "the variables count only once overrides are installed";
+
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
         if (type == QtWarningMsg)
             warnings.append(message);
     });
-    store->setUploadHost(QStringLiteral("127.0.0.1:1"));  // nobody listens there
-    store->setExtraCertificateAuthorities({});
-    pointAt(server.host(), server.authorityFile());
+    VextilEnvironmentOverrides::install();
     for (int i = 0; i < 2; ++i) {
         Delivery overridden;
         sendAndWait(overridden);
         EXPECT_FALSE(overridden.error.has_value());
     }
     qInstallMessageHandler(nullptr);
+    VextilUploadEndpoint::setAdjustment({});
+    qunsetenv("VEXTIL_UPLOAD_HOST");
+    qunsetenv("VEXTIL_UPLOAD_CA_FILE");
     EXPECT_EQ(warnings.filter("overridden from the environment").size(), 1) << warnings.join("\n").toStdString();
     store->setUploadHost({});
 }
+#endif
 
-TEST_F(UploadTransferTest, TwoSendsInFlightAreEachCalledBackOnceAndOversizedBodiesAreRefused)
+TEST_F(UploadTransferTest, SendsInARowOrFromInsideACallbackAreEachAnsweredOnceAndNeverCrash)
 {
     ReferenceServer server;
     pointAt(server.host(), server.authorityFile());
-    Delivery first, second;
-    store->sendDataWithDataType(VextilDataTypeFace, first.callback());
-    store->sendDataWithDataType(VextilDataTypeFace, second.callback());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return first.callCount() && second.callCount(); }, 20000));
+    // As on a phone, where the GUI thread runs ahead of the network threads.
+    QThread::currentThread()->setPriority(QThread::HighestPriority);
+    constexpr int kRounds = 12;
+    for (int round = 0; round < kRounds; ++round) {
+        SCOPED_TRACE(round);
+        // A double tap: the second send replaces the first in the store while both are in flight.
+        Delivery first, second;
+        store->sendDataWithDataType(VextilDataTypeFace, first.callback());
+        store->sendDataWithDataType(VextilDataTypeFace, second.callback());
+        // A host that lets go of the store's session from its callback, on the network thread.
+        Delivery third;
+        store->sendDataWithDataType(VextilDataTypeFace, [&](std::optional<QVariantMap> a, std::optional<VextilError> e) {
+            store->setSession(nullptr);
+            third.callback()(std::move(a), std::move(e));
+        });
+        ASSERT_TRUE(QTest::qWaitFor([&] { return first.callCount() && second.callCount() && third.callCount(); }, 20000));
+        EXPECT_EQ(first.code() + second.code() + third.code(), 0);
+    }
     QTest::qWait(100);
-    EXPECT_EQ(first.callCount(), 1);
-    EXPECT_EQ(second.callCount(), 1);
-    EXPECT_EQ(server.uploadFolders().size(), 2);
+    EXPECT_EQ(server.uploadFolders().size(), 3 * kRounds);
 
+    // A retry from inside the callback, as a host does after a failure: the retried send and the
+    // callback that started it both keep their own state.
+    auto alive = std::make_shared<bool>(true);
+    Delivery retried;
+    std::atomic<int> callbackState{0};  // 1: its own state outlived the retry; 2: it did not
+    store->setUploadHost(QStringLiteral("127.0.0.1:1"));  // refused: 423
+    store->sendDataWithDataType(VextilDataTypeFace, [&, guard = std::make_shared<AliveGuard>(alive)](std::optional<QVariantMap>,
+                                                                                                     std::optional<VextilError> e) {
+        EXPECT_EQ(e ? e->code : 0, 423);
+        store->setUploadHost(server.host());
+        store->sendDataWithDataType(VextilDataTypeFace, retried.callback());
+        callbackState = *alive ? 1 : 2;
+    });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return retried.callCount() > 0 && callbackState > 0; }, 20000));
+    EXPECT_EQ(callbackState, 1);
+    EXPECT_EQ(retried.code(), 0);
+    QThread::currentThread()->setPriority(QThread::NormalPriority);
+}
+
+TEST_F(UploadTransferTest, OversizedBodiesAreRefusedWithTheServersStatus)
+{
     ReferenceServer small({"--max-body", "4000"});
     pointAt(small.host(), small.authorityFile());
     Delivery tooLarge;

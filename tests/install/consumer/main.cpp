@@ -6,7 +6,10 @@
 #include <VextilToolkit/VextilToolkitVersion.h>
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTcpServer>
 
+#include <atomic>
 #include <cstdio>
 
 // A delegate made by the host: the library finds its interface by a cast at call time, which
@@ -36,8 +39,28 @@ int main(int argc, char **argv)
     const bool german = VextilToolkitSettings::sharedInstance()->installTranslations(QLocale(QStringLiteral("de")))
                      && model.getAcceptButtonText() == QStringLiteral("Ja, senden");
 
+    // The installed library takes its upload endpoint from the host's code only: the development
+    // variables must not send this upload to the listener they name.
+    QTcpServer listener;
+    listener.listen(QHostAddress::LocalHost);
+    qputenv("VEXTIL_UPLOAD_HOST", QStringLiteral("127.0.0.1:%1").arg(listener.serverPort()).toUtf8());
+    store->setFaceSmileImages(std::make_shared<QList<QImage>>(QList<QImage>{image}));
+    store->setUploadHost(QStringLiteral("127.0.0.1:1"));  // nobody listens there
+    std::atomic<int> code{0};
+    store->sendDataWithDataType(VextilDataTypeFace, [&](std::optional<QVariantMap>, std::optional<VextilError> error) {
+        code = error ? error->code : -1;
+    });
+    QElapsedTimer waited;
+    waited.start();
+    while (code == 0 && waited.elapsed() < 20000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    const bool environmentIgnored = code == 423 && !listener.hasPendingConnections();
+    if (!environmentIgnored)
+        std::printf("upload: code %d, the listener named by VEXTIL_UPLOAD_HOST %s\n", int(code),
+                    listener.hasPendingConnections() ? "was reached" : "was not reached");
+
     const bool ok = german && image.pixel(0, 0) == qRgb(0, 0, 255) && image.pixel(1, 0) == qRgb(255, 0, 0)
-                 && store->authKey() == QStringLiteral("consumer") && review.received == 2;
+                 && store->authKey() == QStringLiteral("consumer") && review.received == 2 && environmentIgnored;
     std::printf("VextilToolkit %s: %s\n", VEXTIL_TOOLKIT_VERSION_STRING, ok ? "ok" : "WRONG");
     return ok ? 0 : 1;
 }
