@@ -120,6 +120,7 @@ void learnedParts(const QList<QImage> &frames)
 double perFrame(const char *name, const Factory &make, const QList<QImage> &frames)
 {
     auto detector = make();
+    detector->setStreamMode(true);  // frames of one camera, as the capture model asks for
     std::vector<double> whole;
     const Timing d = medianPass(frames, [&](const QImage &frame) { detector->featuresInImage(frame); });
     // The clips open on an empty room, where there is less to do: the frames with a face apart.
@@ -228,6 +229,64 @@ int clips(const char *name, const Factory &make, const QStringList &paths)
     return atLimit;
 }
 
+// Still photos held up to the camera: how many never complete.
+int stills(const char *name, const Factory &make, const QStringList &paths)
+{
+    int refused = 0;
+    for (const QString &clip : paths) {
+        const ClipRunResult r = runClip(clip, make());
+        refused += r.opened && !r.completed;
+        std::printf("%-8s %-24s %s; %d neutral images taken\n", name, qPrintable(QFileInfo(clip).fileName()),
+                    r.completed ? "COMPLETED (a photo passed)" : "refused", int(r.neutralTakenSeconds.size()));
+    }
+    return refused;
+}
+
+// Users who smile before being asked: how many clips take no neutral image while the smile shows.
+int earlySmiles(const char *name, const Factory &make, const QStringList &paths)
+{
+    int clean = 0;
+    for (const QString &clip : paths) {
+        const ClipRunResult r = runClip(clip, make());
+        const auto whileSmiling = std::count_if(r.neutralTakenSeconds.begin(), r.neutralTakenSeconds.end(),
+                                                [](double t) { return t < kEarlySmileEndSeconds; });
+        clean += r.opened && whileSmiling == 0;
+        std::printf("%-8s %-24s %lld neutral images taken while smiling; %s\n", name, qPrintable(QFileInfo(clip).fileName()),
+                    static_cast<long long>(whileSmiling), r.completed ? "completed" : "NOT completed");
+    }
+    return clean;
+}
+
+// The learned detector's smile log-odds over each clip, in still mode: the median of the
+// neutral face's frames and of the smile's, and the smile's lowest, which the capture's rise
+// rules are set against.
+void learnedClipScores(const QStringList &paths)
+{
+    VextilLearnedFaceDetector detector;
+    for (const QString &clip : paths) {
+        VextilVideoFileReader reader;
+        if (!reader.open(clip))
+            continue;
+        std::vector<float> neutral, smile;
+        while (auto frame = reader.readFrame()) {
+            const QList<float> scores = detector.smileScores(frame->image);
+            if (scores.isEmpty() || frame->seconds < 2.0)
+                continue;
+            (frame->seconds < kSmileOnsetSeconds ? neutral : smile).push_back(scores.first());
+        }
+        const auto median = [](std::vector<float> v) {
+            if (v.empty())
+                return 0.0f;
+            std::nth_element(v.begin(), v.begin() + std::ptrdiff_t(v.size() / 2), v.end());
+            return v[v.size() / 2];
+        };
+        std::printf("learned  %-24s smile log-odds: face before 7 s median %6.2f max %6.2f | after median %6.2f min %6.2f\n",
+                    qPrintable(QFileInfo(clip).fileName()), median(neutral),
+                    neutral.empty() ? 0.0f : *std::max_element(neutral.begin(), neutral.end()), median(smile),
+                    smile.empty() ? 0.0f : *std::min_element(smile.begin(), smile.end()));
+    }
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
@@ -245,6 +304,8 @@ int main(int argc, char **argv)
         double frameMs = 0;
         SmileScore smiles;
         int clipsAtLimit = 0;
+        int stillsRefused = 0;
+        int earlyClean = 0;
     };
     std::map<std::string, Summary> summary;
     for (const auto &[name, make] : detectors)
@@ -258,6 +319,12 @@ int main(int argc, char **argv)
         paths.append(QString::fromUtf8(clip));
     for (const auto &[name, make] : detectors)
         summary[name].clipsAtLimit = clips(name, make, paths);
+    const QStringList stillPaths = clipList(VEXTIL_STILL_CLIPS), earlyPaths = clipList(VEXTIL_EARLY_SMILE_CLIPS);
+    learnedClipScores(paths + stillPaths);
+    for (const auto &[name, make] : detectors) {
+        summary[name].stillsRefused = stills(name, make, stillPaths);
+        summary[name].earlyClean = earlySmiles(name, make, earlyPaths);
+    }
     const QStringList given = app.arguments().mid(1);
     for (const auto &[name, make] : detectors)
         if (!given.isEmpty())
@@ -266,8 +333,11 @@ int main(int argc, char **argv)
     // One line per detector, in a fixed form that scripts compare between runs.
     for (const auto &[name, make] : detectors) {
         const Summary &s = summary[name];
-        std::printf("detector %s frame_ms %.2f smile_recall %.2f smile_precision %.2f clips_completed %d/%lld\n", name,
-                    s.frameMs, s.smiles.recall, s.smiles.precision, s.clipsAtLimit, static_cast<long long>(paths.size()));
+        std::printf("detector %s frame_ms %.2f smile_recall %.2f smile_precision %.2f clips_completed %d/%lld"
+                    " stills_refused %d/%lld early_smile_clean %d/%lld\n",
+                    name, s.frameMs, s.smiles.recall, s.smiles.precision, s.clipsAtLimit, static_cast<long long>(paths.size()),
+                    s.stillsRefused, static_cast<long long>(stillPaths.size()), s.earlyClean,
+                    static_cast<long long>(earlyPaths.size()));
     }
     return 0;
 }

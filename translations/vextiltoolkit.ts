@@ -91,5 +91,9 @@
         <source>Help</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Relax your face</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

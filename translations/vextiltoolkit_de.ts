@@ -91,5 +91,9 @@
         <source>Help</source>
         <translation>Hilfe</translation>
     </message>
+    <message>
+        <source>Relax your face</source>
+        <translation>Entspannen Sie Ihr Gesicht</translation>
+    </message>
 </context>
 </TS>

@@ -91,5 +91,9 @@
         <source>Help</source>
         <translation>Ayuda</translation>
     </message>
+    <message>
+        <source>Relax your face</source>
+        <translation>Relaja la cara</translation>
+    </message>
 </context>
 </TS>

@@ -91,5 +91,9 @@
         <source>Help</source>
         <translation>Ajuda</translation>
     </message>
+    <message>
+        <source>Relax your face</source>
+        <translation>Relaxe o rosto</translation>
+    </message>
 </context>
 </TS>

@@ -23,9 +23,12 @@ class VextilSmileJudge;
 /// The face capture state machine. Fed one image per camera frame, it detects the face and its
 /// smile, collects five neutral images at least a second apart and then two smiling ones,
 /// drives the camera screen through its delegate, and hands the images to VextilRepository.
-/// While it collects neutral images, a face whose detector grades its smile
-/// (VextilFaceFeature::smileScore) counts as smiling only when it smiles clearly more than the
-/// user's own face did in the frames before; once the smile is asked for, hasSmile holds.
+/// The smile is a liveness check. While neutral images are collected, no frame the detector
+/// calls smiling is taken: a user who smiles too early is asked to relax ("Relax your face") and
+/// the capture waits. Once the smile is asked for, a face whose detector grades its smile
+/// (VextilFaceFeature::smileScore) smiles only when it rises clearly above this user's own
+/// neutral frames of this capture, so a still photo never completes; a detector without a
+/// grade is taken at its word. The model puts its detector in stream mode.
 ///
 /// Create it on the GUI thread. The state machine runs on one thread, the one that calls
 /// processFace(): the reset is queued there too (see setStateQueue). Completion runs on the GUI
@@ -102,6 +105,7 @@ private:
     void stampClock();
     int neutralCount() const;
     void completeCapture();
+    void askToRelax();
     void runOnStateQueue(std::function<void()> work);
     VextilFaceCameraModelDelegate *currentDelegate() const;
 
@@ -121,5 +125,6 @@ private:
     std::atomic<qint64> m_lastFrameDate;
     std::atomic<bool> m_isProcessing{false};
     std::atomic<bool> m_hasFaceInLastFrame{false};
+    std::atomic<bool> m_askedToRelax{false};  // the relax text is on show
     std::atomic<quint64> m_currentState{VextilFaceCaptureStateLookingForFace};
 };

@@ -14,11 +14,22 @@ enum class VextilFaceDetectorKind {
     Cascade,  ///< OpenCV's Haar cascades with teeth evidence
 };
 
-/// Finds faces and smiles in a still image. The face capture model calls it on the capture
-/// thread, one image at a time; an implementation need not be thread-safe.
+/// Finds faces and smiles in an image. The face capture model calls it on the capture thread,
+/// one image at a time; an implementation need not be thread-safe.
+///
+/// Two modes. In still mode (the default) every answer is about the image given, alone, in
+/// whatever order images come. In stream mode, which the face capture model asks for, the
+/// images are consecutive frames of one camera: a detector may then reuse work across frames,
+/// so that an answer may be up to one frame old.
 class VEXTIL_EXPORT VextilFaceDetector {
 public:
     virtual ~VextilFaceDetector();
+
+    /// Enters stream mode (true) or still mode (false). Detectors that never reuse work across
+    /// images may ignore it.
+    virtual void setStreamMode(bool stream);
+    /// Whether setStreamMode(true) was called last.
+    bool isStreamMode() const { return m_streamMode; }
 
     /// Faces in the image, the most prominent (largest) first; empty when there is none or the
     /// image is null. Implementations may throw; callers go through detect().
@@ -33,4 +44,7 @@ public:
     /// Picks the kind every camera screen built afterwards uses; any thread.
     static void setPreferredKind(VextilFaceDetectorKind kind);
     static VextilFaceDetectorKind preferredKind();
+
+private:
+    bool m_streamMode = false;
 };

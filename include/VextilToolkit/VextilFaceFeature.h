@@ -7,9 +7,11 @@
 /// One face found in an image.
 struct VextilFaceFeature {
     QRectF bounds;          ///< face rectangle in image pixels, origin at the bottom left
-    bool hasSmile = false;  ///< whether the face smiles, judged on this image alone
+    /// Whether the face smiles: judged on this image alone in still mode, on this frame or the
+    /// one before in stream mode (see VextilFaceDetector).
+    bool hasSmile = false;
     /// How strongly the face smiles, as log-odds (above 0 leans to a smile), for detectors that
-    /// grade it. The face capture model judges a graded smile against the user's own resting
-    /// face while it collects neutral images; without a grade it takes hasSmile as it is.
+    /// grade it, judged like hasSmile. The face capture model measures a graded smile against
+    /// the user's own neutral frames of the same capture (see VextilFaceCameraModel).
     std::optional<float> smileScore = std::nullopt;
 };

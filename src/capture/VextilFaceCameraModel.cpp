@@ -38,6 +38,9 @@ VextilFaceCameraModel::VextilFaceCameraModel(std::shared_ptr<VextilFaceDetector>
 {
     // The smiling array is made by the first reset only: the camera screen always resets the
     // model before frames flow, and until then a capture cannot complete.
+    // Frames come from one camera: the detector may reuse work across them.
+    if (m_faceDetector)
+        m_faceDetector->setStreamMode(true);
 }
 
 VextilFaceCameraModel::~VextilFaceCameraModel() = default;
@@ -111,6 +114,8 @@ void VextilFaceCameraModel::noFace()
 
 void VextilFaceCameraModel::lookingForFace(const VextilFaceFeature &face, const QImage &image)
 {
+    if (face.hasSmile)
+        askToRelax();  // a smile now would make neutral images of a smile: the capture waits
     if (!face.hasSmile) {
         m_hasFaceInLastFrame = true;
         {
@@ -209,8 +214,18 @@ int VextilFaceCameraModel::neutralCount() const
     return m_facesArray ? int(m_facesArray->size()) : 0;
 }
 
+void VextilFaceCameraModel::askToRelax()
+{
+    // Once until the state is shown again, so that a screen reader hears it once.
+    if (m_askedToRelax.exchange(true))
+        return;
+    if (VextilFaceCameraModelDelegate *delegate = currentDelegate())
+        delegate->updateMessageText(VextilTexts::tr("Relax your face"));
+}
+
 void VextilFaceCameraModel::setUItoState(VextilFaceCaptureState state)
 {
+    m_askedToRelax = false;
     VextilFaceCameraModelDelegate *delegate = currentDelegate();
     // Entering state 2 keeps the mask green from state 1; every other real change toggles it.
     if (state != VextilFaceCaptureStateAwaitingSmile && state != currentState() && delegate)

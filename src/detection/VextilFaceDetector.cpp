@@ -36,6 +36,8 @@ void reportOnce(const QString &kind, const char *what)
 
 VextilFaceDetector::~VextilFaceDetector() = default;
 
+void VextilFaceDetector::setStreamMode(bool stream) { m_streamMode = stream; }
+
 void VextilFaceDetector::setPreferredKind(VextilFaceDetectorKind kind) { preferred = kind; }
 VextilFaceDetectorKind VextilFaceDetector::preferredKind() { return preferred; }
 

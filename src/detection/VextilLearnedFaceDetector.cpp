@@ -55,7 +55,7 @@ QRectF VextilLearnedFaceDetector::faceBounds(const VextilBlazeFace::Face &face)
 
 QList<VextilFaceFeature> VextilLearnedFaceDetector::featuresInImage(const QImage &image)
 {
-    if (!m_scene.continues(image) || !m_tracked)
+    if (!isStreamMode() || !m_scene.continues(image) || !m_tracked)
         return fullPass(image);
     if (m_tracked->boxIsNewer) {
         m_tracked->smile = smile(image, m_tracked->face);

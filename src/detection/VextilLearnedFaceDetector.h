@@ -14,10 +14,11 @@
 /// The bounds reported are faceBounds(), forehead to chin. How well it does on the labelled
 /// photos is in the README's detection section.
 ///
-/// On a camera stream with one face, the two networks take turns: one frame finds the face
-/// and keeps the smile judged on the frame before, the next judges the smile on the face found
-/// the frame before. Each answer is at most one frame old, for half the work. Any other image
-/// (another scene, size or number of faces, or a face that moved away) gets both networks.
+/// In stream mode, on a camera stream with one face, the two networks take turns: one frame
+/// finds the face and keeps the smile judged on the frame before, the next judges the smile on
+/// the face found the frame before. Each answer is at most one frame old, for half the work.
+/// Any other image (another scene, size or number of faces, or a face that moved away) gets
+/// both networks, and so does every image in still mode.
 class VextilLearnedFaceDetector : public VextilFaceDetector {
 public:
     /// The default smile threshold, in log-odds: "happy" at least twice as likely as all

@@ -37,3 +37,23 @@ TEST(SelfieClipCapture, TheLearnedDetectorCompletesEveryClipAtThePacingLimit)
 }
 
 }  // namespace
+
+TEST(SelfieClipCapture, StillPhotosNeverCompleteAndUsersWhoSmileEarlyGiveNoNeutralImageOfASmile)
+{
+    const QStringList stills = clipList(VEXTIL_STILL_CLIPS), early = clipList(VEXTIL_EARLY_SMILE_CLIPS);
+    ASSERT_EQ(stills.size(), 5);
+    for (const QString &clip : stills) {
+        SCOPED_TRACE(clip.toStdString());
+        const ClipRunResult run = runClip(clip, std::make_shared<VextilLearnedFaceDetector>());
+        ASSERT_TRUE(run.opened);
+        EXPECT_FALSE(run.completed) << "a still photo held up to the camera";
+    }
+    ASSERT_EQ(early.size(), 3);
+    for (const QString &clip : early) {
+        SCOPED_TRACE(clip.toStdString());
+        const ClipRunResult run = runClip(clip, std::make_shared<VextilLearnedFaceDetector>());
+        ASSERT_FALSE(run.neutralTakenSeconds.isEmpty());
+        EXPECT_GE(run.neutralTakenSeconds.first(), kEarlySmileEndSeconds) << "a neutral image taken while smiling";
+        EXPECT_TRUE(run.completed) << "the capture goes on once the face relaxes";
+    }
+}

@@ -267,38 +267,113 @@ TEST_F(FaceCameraModelTest, ASmileWhileLookingIsNotCollectedAndAFarFaceChangesNo
 
     feed(0.1, Face::Far);
     EXPECT_EQ(neutralCount(), 0);
-    EXPECT_TRUE(delegate.calls().isEmpty());
+    EXPECT_EQ(delegate.calls(), QStringList{"message:Relax your face"}) << "the far face changed nothing";
 
     feed(0.2, Face::Neutral);
     EXPECT_EQ(neutralCount(), 1) << "looking for a face collects without waiting a second";
 }
 
-TEST_F(FaceCameraModelTest, GradedSmilesCountAgainstTheUsersOwnRestingFaceUntilTheSmileIsAsked)
+TEST_F(FaceCameraModelTest, NoNeutralImageIsASmileAndAUserWhoSmilesTooEarlyIsAskedToRelaxOnce)
 {
-    feedGraded(0, -10.0f);
-    feedGraded(1, -10.0f);
-    feedGraded(1.2, -7.0f);
-    feedGraded(1.4, -7.0f);
-    EXPECT_EQ(neutralCount(), 2) << "a rise of 3 is no smile";
-    feedGraded(1.6, 2.0f);
-    feedGraded(1.8, 2.0f);
-    EXPECT_EQ(neutralCount(), 1) << "two smiles in a row drop the newest neutral image";
+    // Smiling from the first frame: nothing is taken, whatever the resting face would be.
+    feedGraded(0, 2.0f);
+    feedGraded(0.2, 2.5f);
+    EXPECT_EQ(neutralCount(), 0);
     EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+    EXPECT_EQ(delegate.texts(), QStringList{"Relax your face"}) << "said once, not every frame";
+    feedGraded(0.4, -6.0f);
+    feedGraded(0.5, -6.0f);
+    EXPECT_EQ(neutralCount(), 0) << "the smile is still most of the recent frames";
+    feedGraded(0.6, -6.0f);
+    EXPECT_EQ(neutralCount(), 1) << "the capture goes on once the face relaxes";
+    EXPECT_EQ(delegate.texts().last(), "Checking your face");
 
-    // Losing the face forgets its rest: the next face starts its own. This one is a smirk the
-    // detector calls smiling: it is this user's resting face, not a smile.
-    feed(2.1, Face::None);
-    feed(2.2, Face::None);
-    for (int i = 0; i < 5; ++i) {
-        feedGraded(3 + i, 5.0f);
-        feedGraded(3.5 + i, i % 2 ? 7.5f : 3.0f);  // within the rise a smile needs
-    }
-    EXPECT_EQ(neutralCount(), 5) << "a new face's first frame is its resting face";
+    // Within the collection: a clear smile, or a graded rise of 4 over the rest, is no neutral face.
+    feedGraded(1.4, -1.9f);
+    EXPECT_EQ(neutralCount(), 1) << "a rise of 4.1 over the resting face";
+    feedGraded(1.6, -6.0f);
+    EXPECT_EQ(neutralCount(), 2);
+    feedGraded(2.8, 1.0f);
+    feedGraded(3.0, 1.0f);
+    EXPECT_EQ(neutralCount(), 1) << "two smiles in a row drop the newest neutral image";
+    delegate.clear();
+    feedGraded(3.2, 1.0f);
+    EXPECT_EQ(delegate.texts(), QStringList{"Relax your face"});
+    EXPECT_EQ(neutralCount(), 1);
+
+    // After the prompt, a face lost and found again smiling refills nothing with smiles.
+    feedGraded(3.4, -6.0f);
+    for (int i = 4; i < 8; ++i)
+        feedGraded(i, -6.0f);
     ASSERT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
-    feedGraded(9, 1.0f);
-    EXPECT_EQ(smileCount(), 1) << "asked to smile, the detector's verdict holds, however far below the rest";
-    feedGraded(10, -1.0f);
-    EXPECT_EQ(smileCount(), 1) << "and a face it calls neutral is no smile";
+    feed(8.1, Face::None);
+    feed(8.2, Face::None);
+    feedGraded(9.5, 3.0f);
+    feedGraded(10.5, 3.0f);
+    EXPECT_EQ(neutralCount(), 0);
+    EXPECT_EQ(smileCount(), 0) << "the capture starts over from a neutral face";
+}
+
+TEST_F(FaceCameraModelTest, AfterThePromptASmileMustRiseAboveThisCapturesNeutralFrames)
+{
+    struct Case {
+        const char *name;
+        float rest, prompted;
+        bool smiles;
+    };
+    const Case cases[] = {
+        {"a clear smile over a neutral face", -6.0f, 2.0f, true},
+        {"a still neutral photo, trembling", -6.0f, -5.6f, false},
+        {"a still photo of a faint smile", -0.4f, -0.2f, false},
+        {"a smirk, then a smile", -0.4f, 1.0f, true},
+        {"a smirk that only grows a little", -0.4f, 0.4f, false},
+        {"a bearded smile the detector misses", -4.0f, -0.6f, true},
+        {"a mouth that opens a little, not a smile", -6.0f, -3.5f, false},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        VextilRepository::sharedInstance()->resetFaceImages();
+        model.resetState();
+        settle();
+        for (int i = 0; i < 5; ++i) {
+            feedGraded(100 * (&c - cases) + i, c.rest);
+            feedGraded(100 * (&c - cases) + i + 0.5, c.rest + (i % 2 ? 0.2f : -0.2f));
+        }
+        ASSERT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
+        feedGraded(100 * (&c - cases) + 6, c.prompted);
+        EXPECT_EQ(smileCount(), c.smiles ? 1 : 0);
+    }
+}
+
+TEST_F(FaceCameraModelTest, AfterItsFirstFrameASmileMustBeHeldSoAFlickeringStillNeverCompletes)
+{
+    const auto collectAt = [&](double start, float rest) {
+        VextilRepository::sharedInstance()->resetFaceImages();
+        model.resetState();
+        settle();
+        for (int i = 0; i < 5; ++i)
+            feedGraded(start + i, rest);
+        ASSERT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
+    };
+    // A photo of a faint smile: its reading jumps once, then now and again, around its rest.
+    collectAt(0, -0.4f);
+    feedGraded(6, 1.2f);
+    EXPECT_EQ(smileCount(), 1) << "one frame that rises is taken";
+    for (int i = 1; i <= 30; ++i)
+        feedGraded(6 + 0.1 * i, i % 7 ? -0.4f : 1.2f);
+    EXPECT_EQ(smileCount(), 1) << "a smile that is not held is no smile";
+
+    // A real smile, held: the second image a second after the first.
+    collectAt(100, -0.4f);
+    for (int i = 0; i <= 10; ++i)
+        feedGraded(106 + 0.1 * i, 2.0f);
+    EXPECT_EQ(smileCount(), 2);
+}
+
+TEST_F(FaceCameraModelTest, TheModelAsksItsDetectorForStreamMode)
+{
+    EXPECT_TRUE(detector->isStreamMode());
+    EXPECT_FALSE(ScriptedFaceDetector().isStreamMode()) << "a detector starts in still mode";
 }
 
 TEST_F(FaceCameraModelTest, AFrameArrivingDuringADetectionIsDropped)

@@ -103,12 +103,13 @@ TEST(LearnedFaceDetector, FindsEveryFaceAndTellsEveryClearSmileFromEveryNeutralF
     }
 }
 
-TEST(LearnedFaceDetector, OnAStreamTheNetworksTakeTurnsAndEachAnswerIsAtMostOneFrameOld)
+TEST(LearnedFaceDetector, InStreamModeTheNetworksTakeTurnsAndInStillModeEveryAnswerIsItsImagesOwn)
 {
     VextilVideoFileReader clip;
     ASSERT_TRUE(clip.open(QStringLiteral(VEXTIL_SELFIE_CLIP)));
-    VextilLearnedFaceDetector stream, single;
-    int faces = 0;
+    VextilLearnedFaceDetector stream, single, still;
+    stream.setStreamMode(true);
+    int faces = 0, stillDifferent = 0;
     int previousSmile = -1;  // none: no face in the frame before
     int repeats = 0;
     std::optional<float> previousScore;
@@ -116,6 +117,8 @@ TEST(LearnedFaceDetector, OnAStreamTheNetworksTakeTurnsAndEachAnswerIsAtMostOneF
         const QList<VextilFaceFeature> streamed = stream.featuresInImage(frame->image);
         single.featuresInImage(QImage());  // breaks its stream: every frame gets both networks
         const QList<VextilFaceFeature> full = single.featuresInImage(frame->image);
+        const QList<VextilFaceFeature> alone = still.featuresInImage(frame->image);
+        stillDifferent += alone.size() != full.size() || (!full.isEmpty() && alone[0].smileScore != full[0].smileScore);
         ASSERT_EQ(streamed.size(), full.size()) << "frame " << frame->index;
         if (full.isEmpty()) {
             previousSmile = -1;
@@ -132,6 +135,7 @@ TEST(LearnedFaceDetector, OnAStreamTheNetworksTakeTurnsAndEachAnswerIsAtMostOneF
     }
     EXPECT_GT(faces, 100);
     EXPECT_LE(repeats, faces * 6 / 10) << "the smile is judged again every other frame";
+    EXPECT_EQ(stillDifferent, 0) << "a detector in still mode answers about each image alone";
 }
 
 TEST(LearnedFaceDetector, IsTheDefaultFallsBackToTheCascadeWithOneWarningAndCanBeSetAside)

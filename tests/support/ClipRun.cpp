@@ -26,6 +26,7 @@ ClipRunResult runClip(const QString &path, std::shared_ptr<VextilFaceDetector> d
     model.setViewSize(QSizeF(reader.frameSize()));
 
     auto previous = model.currentState();
+    qsizetype neutralHeld = 0;
     while (auto frame = reader.readFrame()) {
         now = VextilTimePoint(std::chrono::duration_cast<VextilTimePoint::duration>(
             std::chrono::duration<double>(frame->seconds)));
@@ -33,6 +34,10 @@ ClipRunResult runClip(const QString &path, std::shared_ptr<VextilFaceDetector> d
         QCoreApplication::processEvents();
         ++result.frames;
         const auto state = model.currentState();
+        const qsizetype held = model.facesArray()->size();
+        if (held > neutralHeld)
+            result.neutralTakenSeconds.append(frame->seconds);
+        neutralHeld = held;
         if (result.firstNeutralSeconds < 0 && !model.facesArray()->isEmpty())
             result.firstNeutralSeconds = frame->seconds;
         if (result.firstNeutralSeconds >= 0 && previous != state && state == VextilFaceCaptureStateLookingForFace)

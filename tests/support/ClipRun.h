@@ -2,7 +2,9 @@
 
 #include <VextilToolkit/VextilFaceDetector.h>
 
+#include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -16,9 +18,17 @@ struct ClipRunResult {
     int fallbacks = 0;                 // returns to looking for a face after collection began
     int storedNeutral = 0;             // images the store holds afterwards
     int storedSmiling = 0;
+    QList<double> neutralTakenSeconds;  // clip time of every neutral image taken, dropped ones too
 };
 
 // Feeds the clip to a fresh model on the given detector, with the clock at each frame's
 // presentation time and the camera view the size of the frames. Needs a QCoreApplication;
 // stops at completion.
 ClipRunResult runClip(const QString &path, std::shared_ptr<VextilFaceDetector> detector);
+
+// The paths of a comma-separated clip list, as the build passes them.
+inline QStringList clipList(const char *paths) { return QString::fromUtf8(paths).split(QLatin1Char(','), Qt::SkipEmptyParts); }
+
+// The clips of users who smile before being asked: the smile shows from the face's first
+// appearance (after 2 s of an empty room) for this long.
+constexpr double kEarlySmileEndSeconds = 5.0;

@@ -39,3 +39,12 @@ void RecordingDelegate::record(const QString &call)
     QMutexLocker lock(&m_mutex);
     m_calls.append(call);
 }
+
+QStringList RecordingDelegate::texts() const
+{
+    QStringList messages;
+    for (const QString &call : calls())
+        if (call.startsWith(QStringLiteral("message:")))
+            messages.append(call.mid(8));
+    return messages;
+}

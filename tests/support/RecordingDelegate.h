@@ -20,6 +20,8 @@ public:
     // Calls so far, e.g. "message:Looking for face", "progress:0.2", "mask", "finished".
     QStringList calls() const;
     int count(const QString &call) const;
+    // The messages shown so far, in order.
+    QStringList texts() const;
     void clear();
 
 private:

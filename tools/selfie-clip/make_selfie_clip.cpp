@@ -1,5 +1,6 @@
 // Assembles a selfie clip from two still photos: some time with no face in view, then a neutral
-// face, then a smiling one. Portrait by default, as a phone's front camera films; landscape with
+// face, then a smiling one (optionally a smile first too, as a user who smiles too early; or the
+// same photo twice, as a still photo held up to the camera). Portrait by default, as a phone's front camera films; landscape with
 // --size 1280x720, as a laptop's webcam does. Small head movement and sensor noise keep the
 // frames from being identical, as a real camera's are. Deterministic: same input, same clip.
 
@@ -21,6 +22,8 @@ struct Options {
     // when the fifth neutral image has been taken, as for a user who smiles when asked: the
     // capture can end 6 s after the first neutral image.
     double fps = 15, blankSeconds = 2, neutralSeconds = 5, smileSeconds = 4;
+    // A user who smiles before being asked: the smile shows this long before the neutral face.
+    double earlySmileSeconds = 0;
     double brightness = 0, contrast = 1, noise = 2.5;  // light and sensor of the simulated camera
 };
 
@@ -35,6 +38,7 @@ bool parse(int argc, char **argv, Options &o)
         else if (key == "--blank-seconds") o.blankSeconds = std::stod(value);
         else if (key == "--neutral-seconds") o.neutralSeconds = std::stod(value);
         else if (key == "--smile-seconds") o.smileSeconds = std::stod(value);
+        else if (key == "--early-smile-seconds") o.earlySmileSeconds = std::stod(value);
         else if (key == "--brightness") o.brightness = std::stod(value);
         else if (key == "--contrast") o.contrast = std::stod(value);
         else if (key == "--noise") o.noise = std::stod(value);
@@ -122,7 +126,7 @@ int main(int argc, char **argv)
     if (!parse(argc, argv, o)) {
         std::fprintf(stderr,
                      "usage: %s --neutral PHOTO --smile PHOTO --output CLIP.avi [--fps 15] [--blank-seconds 1]"
-                     " [--neutral-seconds 6] [--smile-seconds 3] [--brightness 0] [--contrast 1] [--noise 2.5]"
+                     " [--neutral-seconds 6] [--smile-seconds 3] [--early-smile-seconds 0] [--brightness 0] [--contrast 1] [--noise 2.5]"
                      " [--size 720x1280]\n",
                      argv[0]);
         return 2;
@@ -139,15 +143,22 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "cannot write %s\n", o.output.c_str());
         return 1;
     }
-    const cv::Mat scenes[] = {emptyRoom(size), personScene(neutral, size), personScene(smile, size)};
-    const double ends[] = {o.blankSeconds, o.blankSeconds + o.neutralSeconds,
-                           o.blankSeconds + o.neutralSeconds + o.smileSeconds};
-    const int frames = int(std::lround(ends[2] * o.fps));
+    const cv::Mat room = emptyRoom(size), neutralScene = personScene(neutral, size), smileScene = personScene(smile, size);
+    // The scenes in order, each with the time it ends.
+    const std::pair<const cv::Mat *, double> schedule[] = {
+        {&room, o.blankSeconds},
+        {&smileScene, o.blankSeconds + o.earlySmileSeconds},
+        {&neutralScene, o.blankSeconds + o.earlySmileSeconds + o.neutralSeconds},
+        {&smileScene, o.blankSeconds + o.earlySmileSeconds + o.neutralSeconds + o.smileSeconds},
+    };
+    const int frames = int(std::lround(schedule[3].second * o.fps));
     cv::RNG rng(20261122);
     for (int i = 0; i < frames; ++i) {
         const double t = i / o.fps;
-        const int scene = t < ends[0] ? 0 : t < ends[1] ? 1 : 2;
-        writer.write(cameraFrame(scenes[scene], t, rng, o));
+        const auto *scene = &schedule[0];
+        while (t >= scene->second && scene != &schedule[3])
+            ++scene;
+        writer.write(cameraFrame(*scene->first, t, rng, o));
     }
     std::printf("wrote %s: %d frames of %dx%d at %.0f fps\n", o.output.c_str(), frames, o.width, o.height, o.fps);
     return 0;
