@@ -114,6 +114,12 @@ int main(int argc, char **argv)
         CameraScreen::settle();
         ok &= save(collecting.screen, out, QStringLiteral("camera-collecting") + suffix);
 
+        // A user smiling before being asked: the capture waits for a relaxed face.
+        CameraScreen relax(size, smiling);
+        relax.box->updateInstructionsLabelWithText(VextilTexts::tr("Relax your face"));
+        CameraScreen::settle();
+        ok &= save(relax.screen, out, QStringLiteral("camera-relax") + suffix);
+
         CameraScreen smile(size, smiling);
         smile.camera->changeMaskState();
         smile.camera->isPopupHidden(false);
