@@ -2,6 +2,105 @@
 
 #include <QSysInfo>
 
+#include <opencv2/imgproc.hpp>
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+// A plane as a matrix of the size the format needs; empty when the frame's plane is smaller.
+cv::Mat planeOf(const QVideoFrame &frame, int plane, int width, int height, int type)
+{
+    const qsizetype row = qsizetype(width) * CV_ELEM_SIZE(type), stride = frame.bytesPerLine(plane);
+    if (plane >= frame.planeCount() || !frame.bits(plane) || stride < row
+        || frame.mappedBytes(plane) < stride * (height - 1) + row)
+        return {};
+    return cv::Mat(height, width, type, const_cast<uchar *>(frame.bits(plane)), size_t(stride));
+}
+
+bool allPresent(std::initializer_list<const cv::Mat *> planes)
+{
+    return std::all_of(planes.begin(), planes.end(), [](const cv::Mat *plane) { return !plane->empty(); });
+}
+
+// Copies the rows of a plane one after the other, without their padding.
+void appendRows(std::vector<uchar> &to, const cv::Mat &plane)
+{
+    for (int y = 0; y < plane.rows; ++y)
+        to.insert(to.end(), plane.ptr(y), plane.ptr(y) + plane.cols * plane.elemSize());
+}
+
+// The camera's YUV formats converted from their planes with OpenCV (BT.601, limited range, as
+// Qt reads them), into `bgrx`; false for other formats or sizes they cannot have. Qt's own
+// conversion is slower, and crashes on some of them (planar 4:2:2 in Qt 6.4).
+bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
+{
+    const int w = frame.width(), h = frame.height();
+    if (w < 2 || h < 2 || w % 2 || h % 2)
+        return false;
+    const QVideoFrameFormat::PixelFormat format = frame.pixelFormat();
+    switch (format) {
+    case QVideoFrameFormat::Format_YUYV:
+    case QVideoFrameFormat::Format_UYVY: {
+        const cv::Mat packed = planeOf(frame, 0, w, h, CV_8UC2);
+        if (!allPresent({&packed}))
+            return false;
+        cv::cvtColor(packed, bgrx, format == QVideoFrameFormat::Format_YUYV ? cv::COLOR_YUV2BGRA_YUYV : cv::COLOR_YUV2BGRA_UYVY);
+        return true;
+    }
+    case QVideoFrameFormat::Format_NV12:
+    case QVideoFrameFormat::Format_NV21: {
+        const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), chroma = planeOf(frame, 1, w / 2, h / 2, CV_8UC2);
+        if (!allPresent({&luma, &chroma}))
+            return false;
+        cv::cvtColorTwoPlane(luma, chroma, bgrx,
+                             format == QVideoFrameFormat::Format_NV12 ? cv::COLOR_YUV2BGRA_NV12 : cv::COLOR_YUV2BGRA_NV21);
+        return true;
+    }
+    case QVideoFrameFormat::Format_YUV420P:
+    case QVideoFrameFormat::Format_YV12: {
+        const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), first = planeOf(frame, 1, w / 2, h / 2, CV_8UC1),
+                      second = planeOf(frame, 2, w / 2, h / 2, CV_8UC1);
+        if (!allPresent({&luma, &first, &second}))
+            return false;
+        // OpenCV reads the three planes from one block, each plane's rows without padding.
+        std::vector<uchar> block;
+        block.reserve(size_t(w) * size_t(h) * 3 / 2);
+        appendRows(block, luma);
+        appendRows(block, first);
+        appendRows(block, second);
+        cv::cvtColor(cv::Mat(h * 3 / 2, w, CV_8UC1, block.data()), bgrx,
+                     format == QVideoFrameFormat::Format_YUV420P ? cv::COLOR_YUV2BGRA_I420 : cv::COLOR_YUV2BGRA_YV12);
+        return true;
+    }
+    case QVideoFrameFormat::Format_YUV422P: {
+        const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), u = planeOf(frame, 1, w / 2, h, CV_8UC1),
+                      v = planeOf(frame, 2, w / 2, h, CV_8UC1);
+        if (!allPresent({&luma, &u, &v}))
+            return false;
+        // Interleaved into YUYV, which OpenCV converts.
+        cv::Mat yuyv(h, w, CV_8UC2);
+        for (int y = 0; y < h; ++y) {
+            uchar *out = yuyv.ptr(y);
+            const uchar *ly = luma.ptr(y), *lu = u.ptr(y), *lv = v.ptr(y);
+            for (int x = 0; x < w / 2; ++x) {
+                out[4 * x] = ly[2 * x];
+                out[4 * x + 1] = lu[x];
+                out[4 * x + 2] = ly[2 * x + 1];
+                out[4 * x + 3] = lv[x];
+            }
+        }
+        cv::cvtColor(yuyv, bgrx, cv::COLOR_YUV2BGRA_YUYV);
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
+}  // namespace
+
 bool VextilVideoFrameMapping::isDirectFormat(QVideoFrameFormat::PixelFormat format)
 {
     // Qt names video formats by byte order; the image side reads 32-bit words, so the two
@@ -11,6 +110,22 @@ bool VextilVideoFrameMapping::isDirectFormat(QVideoFrameFormat::PixelFormat form
     return format == QVideoFrameFormat::Format_BGRA8888
         || format == QVideoFrameFormat::Format_BGRA8888_Premultiplied
         || format == QVideoFrameFormat::Format_BGRX8888;
+}
+
+bool VextilVideoFrameMapping::isYuvFormat(QVideoFrameFormat::PixelFormat format)
+{
+    switch (format) {
+    case QVideoFrameFormat::Format_YUYV:
+    case QVideoFrameFormat::Format_UYVY:
+    case QVideoFrameFormat::Format_NV12:
+    case QVideoFrameFormat::Format_NV21:
+    case QVideoFrameFormat::Format_YUV420P:
+    case QVideoFrameFormat::Format_YV12:
+    case QVideoFrameFormat::Format_YUV422P:
+        return true;
+    default:
+        return false;
+    }
 }
 
 VextilVideoFrameMapping::VextilVideoFrameMapping(const QVideoFrame &frame) : m_frame(frame)
@@ -23,7 +138,26 @@ VextilVideoFrameMapping::VextilVideoFrameMapping(const QVideoFrame &frame) : m_f
                     m_frame.bytesPerLine(0)};
         return;
     }
-    m_converted = m_frame.toImage().convertToFormat(QImage::Format_RGB32);
+    if (isYuvFormat(m_frame.pixelFormat())) {
+        if (!m_frame.map(QVideoFrame::ReadOnly))
+            return;
+        m_converted = QImage(m_frame.width(), m_frame.height(), QImage::Format_RGB32);
+        cv::Mat bgrx(m_converted.height(), m_converted.width(), CV_8UC4, m_converted.bits(), size_t(m_converted.bytesPerLine()));
+        bool converted = false;
+        try {
+            converted = convertYuv(m_frame, bgrx);
+        } catch (const cv::Exception &) {
+            converted = false;  // a frame OpenCV cannot read is no frame; nothing is thrown on
+        }
+        m_frame.unmap();
+        // cvtColor writes into the image's own memory, unless the sizes disagreed.
+        if (!converted || bgrx.data != m_converted.constBits()) {
+            m_converted = QImage();
+            return;
+        }
+    } else {
+        m_converted = m_frame.toImage().convertToFormat(QImage::Format_RGB32);
+    }
     if (m_converted.isNull())
         return;
     m_buffer = {m_converted.constBits(), m_converted.sizeInBytes(), m_converted.width(),

@@ -6,8 +6,9 @@
 #include <QVideoFrame>
 
 /// Presents a Qt Multimedia video frame as a sample buffer for the frame conversion.
-/// BGRA and BGRx frames are mapped and read as they are; any other pixel format is converted
-/// to 32-bit BGRx first. The buffer is valid while this object lives.
+/// BGRA and BGRx frames are mapped and read as they are; the cameras' YUV formats (YUYV, UYVY,
+/// NV12, NV21, I420, YV12, planar 4:2:2) are converted from their planes with OpenCV; any other
+/// pixel format goes through Qt's own conversion. The buffer is valid while this object lives.
 class VextilVideoFrameMapping {
 public:
     /// Maps (or converts) the frame for reading; check sampleBuffer().status().
@@ -24,6 +25,8 @@ public:
 
     /// True for pixel formats whose memory layout already is blue, green, red, ignored byte.
     static bool isDirectFormat(QVideoFrameFormat::PixelFormat format);
+    /// True for the YUV formats converted from their planes.
+    static bool isYuvFormat(QVideoFrameFormat::PixelFormat format);
 
 private:
     QVideoFrame m_frame;

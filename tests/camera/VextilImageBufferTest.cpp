@@ -138,4 +138,57 @@ TEST(VideoFrameMapping, BgraFramesAreReadDirectlyOtherFormatsAreConverted)
     EXPECT_NE(invalid.sampleBuffer().status(), VextilSampleBufferStatus::Ok);
 }
 
+// A frame of a camera YUV format filled with one colour, plane by plane.
+QVideoFrame yuvFrame(QVideoFrameFormat::PixelFormat format, QSize size, uchar luma, uchar u, uchar v)
+{
+    QVideoFrame frame(QVideoFrameFormat(size, format));
+    EXPECT_TRUE(frame.map(QVideoFrame::WriteOnly));
+    const auto fill = [&](int plane, std::initializer_list<uchar> pattern) {
+        const std::vector<uchar> bytes(pattern);
+        for (qsizetype i = 0; i < frame.mappedBytes(plane); ++i)
+            frame.bits(plane)[i] = bytes[size_t(i) % bytes.size()];
+    };
+    switch (format) {
+    case QVideoFrameFormat::Format_YUYV: fill(0, {luma, u, luma, v}); break;
+    case QVideoFrameFormat::Format_UYVY: fill(0, {u, luma, v, luma}); break;
+    case QVideoFrameFormat::Format_NV12: fill(0, {luma}); fill(1, {u, v}); break;
+    case QVideoFrameFormat::Format_NV21: fill(0, {luma}); fill(1, {v, u}); break;
+    case QVideoFrameFormat::Format_YV12: fill(0, {luma}); fill(1, {v}); fill(2, {u}); break;
+    default: fill(0, {luma}); fill(1, {u}); fill(2, {v}); break;  // I420, planar 4:2:2
+    }
+    frame.unmap();
+    return frame;
+}
+
+TEST(VideoFrameMapping, EveryCameraYuvFormatIsConvertedFromItsPlanesWithoutQtsConversion)
+{
+    using F = QVideoFrameFormat;
+    for (F::PixelFormat format : {F::Format_YUYV, F::Format_UYVY, F::Format_NV12, F::Format_NV21, F::Format_YUV420P,
+                                  F::Format_YV12}) {
+        SCOPED_TRACE(F::pixelFormatToString(format).toStdString());
+        ASSERT_TRUE(VextilVideoFrameMapping::isYuvFormat(format));
+        // Limited-range BT.601: luma 200 with neutral chroma is grey 214; (81, 90, 240) is red.
+        for (const auto &[luma, u, v, expected] : {std::tuple{uchar(200), uchar(128), uchar(128), qRgb(214, 214, 214)},
+                                                   std::tuple{uchar(81), uchar(90), uchar(240), qRgb(255, 0, 0)}}) {
+            VextilVideoFrameMapping mapping(yuvFrame(format, QSize(64, 48), luma, u, v));
+            EXPECT_FALSE(mapping.isDirect());
+            const QImage image = VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
+            ASSERT_EQ(image.size(), QSize(64, 48));
+            for (const QPoint at : {QPoint(0, 0), QPoint(63, 47), QPoint(31, 20)}) {
+                EXPECT_NEAR(qRed(image.pixel(at)), qRed(expected), 3);
+                EXPECT_NEAR(qGreen(image.pixel(at)), qGreen(expected), 3);
+                EXPECT_NEAR(qBlue(image.pixel(at)), qBlue(expected), 3);
+            }
+        }
+    }
+    // Frames that do not hold what their format needs give no image rather than a crash: an odd
+    // width, and planar 4:2:2 as Qt 6.4 allocates it itself (chroma rows a quarter of the width
+    // wide, where the format needs half; Qt's own conversion reads past them).
+    EXPECT_TRUE(VextilVideoFrameMapping::isYuvFormat(F::Format_YUV422P));
+    for (const auto &[format, size] : {std::pair{F::Format_NV12, QSize(63, 48)}, {F::Format_YUV422P, QSize(64, 48)}}) {
+        VextilVideoFrameMapping refused(yuvFrame(format, size, 200, 128, 128));
+        EXPECT_NE(refused.sampleBuffer().status(), VextilSampleBufferStatus::Ok);
+    }
+}
+
 }  // namespace
