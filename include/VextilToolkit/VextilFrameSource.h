@@ -30,8 +30,8 @@ public:
     /// Whether the source can deliver at all (a camera exists, the file opens).
     virtual bool isAvailable() const = 0;
 
-    /// The camera stand-in named by the VEXTIL_CAMERA_FILE environment variable when set,
-    /// otherwise the front camera (see README for the choice when none reports a position).
+    /// The front camera (see README for the choice when none reports a position). Never a
+    /// stand-in: the host puts one in the camera's place in code (VextilFace::setFrameSourceFactory).
     static std::unique_ptr<VextilFrameSource> createDefault();
 
 protected:

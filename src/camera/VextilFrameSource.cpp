@@ -1,15 +1,12 @@
 #include <VextilToolkit/VextilFrameSource.h>
 
-#include <VextilToolkit/VextilVideoFileSource.h>
-
 #include "camera/VextilCameraSource.h"
 
 VextilFrameSource::~VextilFrameSource() = default;
 
 std::unique_ptr<VextilFrameSource> VextilFrameSource::createDefault()
 {
-    if (!qEnvironmentVariableIsEmpty("VEXTIL_CAMERA_FILE"))
-        return std::make_unique<VextilVideoFileSource>(qEnvironmentVariable("VEXTIL_CAMERA_FILE"),
-                                                       qEnvironmentVariableIntValue("VEXTIL_CAMERA_LOOP") != 0);
+    // Always the live camera: a stand-in is the host's choice in code, never the environment's,
+    // since a recorded video in the camera's place would pass the capture's liveness check.
     return std::make_unique<VextilCameraSource>();
 }

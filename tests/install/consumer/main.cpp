@@ -1,5 +1,6 @@
 #include <VextilToolkit/VextilConfirmModel.h>
 #include <VextilToolkit/VextilConfirmModelDelegate.h>
+#include <VextilToolkit/VextilFrameSource.h>
 #include <VextilToolkit/VextilImageBuffer.h>
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
@@ -59,8 +60,16 @@ int main(int argc, char **argv)
         std::printf("upload: code %d, the listener named by VEXTIL_UPLOAD_HOST %s\n", int(code),
                     listener.hasPendingConnections() ? "was reached" : "was not reached");
 
+    // Nor can the environment put a recorded video in the camera's place.
+    qputenv("VEXTIL_CAMERA_FILE", "/dev/null");
+    const QString camera = VextilFrameSource::createDefault()->description();
+    const bool cameraIsLive = camera == QStringLiteral("no camera") || camera.startsWith(QStringLiteral("camera: "));
+    if (!cameraIsLive)
+        std::printf("default frame source: %s\n", qPrintable(camera));
+
     const bool ok = german && image.pixel(0, 0) == qRgb(0, 0, 255) && image.pixel(1, 0) == qRgb(255, 0, 0)
-                 && store->authKey() == QStringLiteral("consumer") && review.received == 2 && environmentIgnored;
+                 && store->authKey() == QStringLiteral("consumer") && review.received == 2 && environmentIgnored
+                 && cameraIsLive;
     std::printf("VextilToolkit %s: %s\n", VEXTIL_TOOLKIT_VERSION_STRING, ok ? "ok" : "WRONG");
     return ok ? 0 : 1;
 }
