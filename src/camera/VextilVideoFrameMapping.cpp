@@ -46,7 +46,8 @@ bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
         const cv::Mat packed = planeOf(frame, 0, w, h, CV_8UC2);
         if (!allPresent({&packed}))
             return false;
-        cv::cvtColor(packed, bgrx, format == QVideoFrameFormat::Format_YUYV ? cv::COLOR_YUV2BGRA_YUYV : cv::COLOR_YUV2BGRA_UYVY);
+        cv::cvtColor(packed, bgrx,
+                     format == QVideoFrameFormat::Format_YUYV ? cv::COLOR_YUV2BGRA_YUYV : cv::COLOR_YUV2BGRA_UYVY);
         return true;
     }
     case QVideoFrameFormat::Format_NV12:
@@ -55,7 +56,8 @@ bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
         if (!allPresent({&luma, &chroma}))
             return false;
         cv::cvtColorTwoPlane(luma, chroma, bgrx,
-                             format == QVideoFrameFormat::Format_NV12 ? cv::COLOR_YUV2BGRA_NV12 : cv::COLOR_YUV2BGRA_NV21);
+                             format == QVideoFrameFormat::Format_NV12 ? cv::COLOR_YUV2BGRA_NV12
+                                                                      : cv::COLOR_YUV2BGRA_NV21);
         return true;
     }
     case QVideoFrameFormat::Format_YUV420P:
@@ -94,8 +96,7 @@ bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
         cv::cvtColor(yuyv, bgrx, cv::COLOR_YUV2BGRA_YUYV);
         return true;
     }
-    default:
-        return false;
+    default: return false;
     }
 }
 
@@ -107,9 +108,8 @@ bool VextilVideoFrameMapping::isDirectFormat(QVideoFrameFormat::PixelFormat form
     // agree only on little-endian machines.
     if (QSysInfo::ByteOrder != QSysInfo::LittleEndian)
         return false;
-    return format == QVideoFrameFormat::Format_BGRA8888
-        || format == QVideoFrameFormat::Format_BGRA8888_Premultiplied
-        || format == QVideoFrameFormat::Format_BGRX8888;
+    return format == QVideoFrameFormat::Format_BGRA8888 || format == QVideoFrameFormat::Format_BGRA8888_Premultiplied
+           || format == QVideoFrameFormat::Format_BGRX8888;
 }
 
 bool VextilVideoFrameMapping::isYuvFormat(QVideoFrameFormat::PixelFormat format)
@@ -121,10 +121,8 @@ bool VextilVideoFrameMapping::isYuvFormat(QVideoFrameFormat::PixelFormat format)
     case QVideoFrameFormat::Format_NV21:
     case QVideoFrameFormat::Format_YUV420P:
     case QVideoFrameFormat::Format_YV12:
-    case QVideoFrameFormat::Format_YUV422P:
-        return true;
-    default:
-        return false;
+    case QVideoFrameFormat::Format_YUV422P: return true;
+    default: return false;
     }
 }
 
@@ -142,7 +140,8 @@ VextilVideoFrameMapping::VextilVideoFrameMapping(const QVideoFrame &frame) : m_f
         if (!m_frame.map(QVideoFrame::ReadOnly))
             return;
         m_converted = QImage(m_frame.width(), m_frame.height(), QImage::Format_RGB32);
-        cv::Mat bgrx(m_converted.height(), m_converted.width(), CV_8UC4, m_converted.bits(), size_t(m_converted.bytesPerLine()));
+        cv::Mat bgrx(m_converted.height(), m_converted.width(), CV_8UC4, m_converted.bits(),
+                     size_t(m_converted.bytesPerLine()));
         bool converted = false;
         try {
             converted = convertYuv(m_frame, bgrx);
@@ -160,8 +159,8 @@ VextilVideoFrameMapping::VextilVideoFrameMapping(const QVideoFrame &frame) : m_f
     }
     if (m_converted.isNull())
         return;
-    m_buffer = {m_converted.constBits(), m_converted.sizeInBytes(), m_converted.width(),
-                m_converted.height(), m_converted.bytesPerLine()};
+    m_buffer = {m_converted.constBits(), m_converted.sizeInBytes(), m_converted.width(), m_converted.height(),
+                m_converted.bytesPerLine()};
 }
 
 VextilVideoFrameMapping::~VextilVideoFrameMapping()

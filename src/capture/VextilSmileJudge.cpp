@@ -39,7 +39,7 @@ void VextilSmileJudge::forget()
 bool VextilSmileJudge::isClearSmile(float score) const
 {
     return score >= kSuddenSmile || median(m_recent) >= kClearSmile
-        || (!m_rest.empty() && score >= median(m_rest) + kRiseOverRest);
+           || (!m_rest.empty() && score >= median(m_rest) + kRiseOverRest);
 }
 
 bool VextilSmileJudge::isPromptedSmile(const VextilFaceFeature &face, float score)
