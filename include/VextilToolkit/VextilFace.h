@@ -82,10 +82,9 @@ private:
         std::optional<VextilError> error;
     };
     bool m_presentTutorial = true;
-    bool m_closing = false;        // the flow's screens are going; its result is on its way
-    bool m_flowReported = true;    // the current flow's callback has run (or no flow was started)
-    quint64 m_flow = 0;            // counts flows, to tell the current one's screen from earlier ones
-    ClosingResult m_closingResult;  // what the closing flow reports
+    std::optional<ClosingResult> m_closing;  // the flow's screens are going, and what it reports
+    bool m_flowReported = true;              // the current flow's callback has run (or none started)
+    quint64 m_flow = 0;                      // counts flows, to tell the current one's screen from earlier ones
     CaptureCallback m_imageResult;
     mutable QMutex m_sendMutex;  // sends may start on an upload's thread, from a send callback
     SendCallback m_sendResult;

@@ -114,9 +114,9 @@ void VextilFaceCameraModel::noFace()
 
 void VextilFaceCameraModel::lookingForFace(const VextilFaceFeature &face, const QImage &image)
 {
-    if (face.hasSmile)
+    if (face.hasSmile) {
         askToRelax();  // a smile now would make neutral images of a smile: the capture waits
-    if (!face.hasSmile) {
+    } else {
         m_hasFaceInLastFrame = true;
         {
             QMutexLocker lock(&m_mutex);

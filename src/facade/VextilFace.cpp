@@ -63,14 +63,14 @@ bool VextilFace::isFlowOnShow() const
     return shown(m_faceCameraViewController) || shown(m_confirmController);
 }
 
-bool VextilFace::isFlowOpen() const { return m_faceCameraViewController && !m_closing; }
+bool VextilFace::isFlowOpen() const { return m_faceCameraViewController && !m_closing.has_value(); }
 
 void VextilFace::presentCameraView()
 {
     // One flow at a time: a repeated request only replaced the callback, which gets the result
     // of the flow that is open (or closing). The flow goes on where it is; its screen is shown
     // again only when it is not on show.
-    if (m_closing || (m_faceCameraViewController && isFlowOnShow()))
+    if (m_closing.has_value() || (m_faceCameraViewController && isFlowOnShow()))
         return;
     if (m_faceCameraViewController) {
         if (m_faceCameraViewController->model())
@@ -133,8 +133,7 @@ void VextilFace::dismissCamerControlerWithResult(bool result, std::optional<Vext
     // Outside a flow, or while one is closing, there is nothing to close and nobody to tell.
     if (!isFlowOpen())
         return;
-    m_closing = true;
-    m_closingResult = {result, error};
+    m_closing = ClosingResult{result, error};
     const auto close = [this, result, error] { finishFlow(result, error); };
     if (m_faceCameraViewController->isVisible())
         m_faceCameraViewController->dismissViewControllerAnimated(true, close);
@@ -155,7 +154,7 @@ void VextilFace::finishFlow(bool result, std::optional<VextilError> error)
     m_faceCameraViewController = nullptr;
     m_rootController = nullptr;
     m_confirmController = nullptr;
-    m_closing = false;
+    m_closing.reset();
     // A copy: the host may start the next flow from its callback, which replaces the stored one.
     const CaptureCallback callback = m_imageResult;
     if (callback)
@@ -168,10 +167,9 @@ void VextilFace::screensDestroyed(quint64 flow)
         return;  // an earlier flow's screen, deleted after its report
     // Gone with the host's window before the flow ended: it ends as it was closing, or as a
     // failed capture. Reported from the event loop, not from inside the host's deletion.
-    const auto [result, error] = m_closing ? m_closingResult
-                                           : ClosingResult{false, VextilError::createVextilSDKErrorWithCode(VextilErrorCodeCaptureFailed)};
-    m_closing = true;
-    VextilMainQueue::dispatchAsync(this, [this, result, error] { finishFlow(result, error); });
+    if (!m_closing)
+        m_closing = ClosingResult{false, VextilError::createVextilSDKErrorWithCode(VextilErrorCodeCaptureFailed)};
+    VextilMainQueue::dispatchAsync(this, [this, closing = *m_closing] { finishFlow(closing.result, closing.error); });
 }
 
 void VextilFace::sendFaceDataWithCallback(SendCallback callback)

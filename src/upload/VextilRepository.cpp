@@ -172,9 +172,6 @@ void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallbac
     request.setRawHeader("Content-Length", QByteArray::number(body.size()));
     const QSslConfiguration tls = VextilServerTrust::configuration(endpoint.extraAuthorities);
     request.setSslConfiguration(tls);
-    // The pins are checked against the chain that ends in one of the authorities just trusted.
-    const QList<QSslCertificate> anchors =
-        endpoint.pinnedKeys.isEmpty() ? QList<QSslCertificate>() : VextilServerTrust::authoritiesOf(tls);
 
     auto session = std::make_shared<VextilUploadSession>();
     setSession(session);  // replaces an earlier session without stopping its transfer
@@ -185,7 +182,7 @@ void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallbac
     };
     handlers.completion = [this, callBack](const VextilUploadOutcome &outcome) { finishTransfer(outcome, callBack); };
     session->start(request, body,
-                   VextilServerTrust(getLocalCertificate().value_or(QString()), endpoint.pinnedKeys, anchors),
+                   VextilServerTrust(getLocalCertificate().value_or(QString()), endpoint.pinnedKeys, tls),
                    std::move(handlers));
 }
 

@@ -5,9 +5,8 @@
 #include <QCryptographicHash>
 #include <QSslKey>
 
-VextilServerTrust::VextilServerTrust(QString refusedCertificate, QList<QByteArray> pinnedKeys,
-                                     QList<QSslCertificate> authorities)
-    : m_refused(std::move(refusedCertificate)), m_pins(std::move(pinnedKeys)), m_authorities(std::move(authorities))
+VextilServerTrust::VextilServerTrust(QString refusedCertificate, QList<QByteArray> pinnedKeys, QSslConfiguration tls)
+    : m_refused(std::move(refusedCertificate)), m_pins(std::move(pinnedKeys)), m_tls(std::move(tls))
 {
 }
 
@@ -19,7 +18,7 @@ bool VextilServerTrust::accepts(const QList<QSslCertificate> &chain) const
         return true;
     // Only keys that signed their way from the leaf to an authority count: a certificate the
     // server merely sends along (a genuine one behind an interceptor's leaf) proves nothing.
-    for (const QSslCertificate &certificate : VextilCertificateChainCleaner::clean(chain, m_authorities))
+    for (const QSslCertificate &certificate : VextilCertificateChainCleaner::clean(chain, authoritiesOf(m_tls)))
         if (m_pins.contains(publicKeyDigest(certificate)))
             return true;
     return false;

@@ -14,10 +14,11 @@ public:
     VextilServerTrust() = default;
     /// `refusedCertificate`: the text a server's leaf must not encode to (see base64Lines).
     /// `pinnedKeys`: SHA-256 digests of DER SubjectPublicKeyInfo; none means no pinning.
-    /// `authorities`: the trust anchors the handshake used, where the verified chain ends.
-    VextilServerTrust(QString refusedCertificate, QList<QByteArray> pinnedKeys, QList<QSslCertificate> authorities);
+    /// `tls`: the configuration the handshake uses; its authorities are where the verified chain ends.
+    VextilServerTrust(QString refusedCertificate, QList<QByteArray> pinnedKeys, QSslConfiguration tls);
 
-    /// Whether to talk to a server that presented this chain, leaf first.
+    /// Whether to talk to a server that presented this chain, leaf first. With pins, reads the
+    /// trusted authorities (the system's from disk): call it on the network thread.
     bool accepts(const QList<QSslCertificate> &chain) const;
 
     /// The TLS settings of an upload: the system's authorities (or those of the application's
@@ -34,5 +35,5 @@ public:
 private:
     QString m_refused;
     QList<QByteArray> m_pins;
-    QList<QSslCertificate> m_authorities;
+    QSslConfiguration m_tls;
 };
