@@ -24,11 +24,11 @@
 #include <opencv2/core.hpp>
 
 #include <algorithm>
-#include <map>
-#include <string>
 #include <cstdio>
 #include <functional>
+#include <map>
 #include <numeric>
+#include <string>
 #include <vector>
 
 namespace {
@@ -112,7 +112,8 @@ void learnedParts(const QList<QImage> &frames)
         if (!box.isEmpty())
             expressions.smileLogOdds(frame, box);
     });
-    std::printf("learned    faces network mean %5.2f ms p95 %5.2f ms | smile classifier, frames with a face, mean %5.2f ms p95 %5.2f ms\n",
+    std::printf("learned    faces network mean %5.2f ms p95 %5.2f ms | smile classifier, frames with a face, mean "
+                "%5.2f ms p95 %5.2f ms\n",
                 f.mean, f.p95, e.mean, e.p95);
 }
 
@@ -144,8 +145,8 @@ double perFrame(const char *name, const Factory &make, const QList<QImage> &fram
         whole.push_back(millis([&] { model.processFace(VextilImageBuffer::imageFromSampleBuffer(buffer)); }));
     }
     const Timing w = summarise(whole);
-    std::printf("%-8s detection mean %6.2f ms p95 %6.2f ms | whole per-frame mean %6.2f ms p95 %6.2f ms\n", name, d.mean,
-                d.p95, w.mean, w.p95);
+    std::printf("%-8s detection mean %6.2f ms p95 %6.2f ms | whole per-frame mean %6.2f ms p95 %6.2f ms\n", name,
+                d.mean, d.p95, w.mean, w.p95);
     std::printf("%-8s   conversion and detection on the %lld frames with a face: mean %6.2f ms p95 %6.2f ms\n", name,
                 static_cast<long long>(withFace.size()), f.mean, f.p95);
     return f.mean;
@@ -161,10 +162,13 @@ SmileScore photos(const char *name, const Factory &make)
     auto detector = make();
     int matched = 0, yes = 0, yesFound = 0, no = 0, noFlagged = 0, slight = 0, slightFlagged = 0;
     double iouSum = 0;
-    for (const LabelledPhoto &photo : loadLabelledPhotos()) {
+    const QList<LabelledPhoto> labelled = loadLabelledPhotos();
+    for (const LabelledPhoto &photo : labelled) {
         const QImage image = loadPhoto(photo);
         const auto faces = detector->featuresInImage(image);
-        const double iou = faces.isEmpty() ? 0 : intersectionOverUnion(topLeftBounds(faces.first().bounds, image.height()), photo.face);
+        const double iou = faces.isEmpty()
+                               ? 0
+                               : intersectionOverUnion(topLeftBounds(faces.first().bounds, image.height()), photo.face);
         iouSum += iou;
         matched += iou >= 0.5;
         const bool smiling = !faces.isEmpty() && faces.first().hasSmile;
@@ -180,10 +184,11 @@ SmileScore photos(const char *name, const Factory &make)
         }
     }
     const int flagged = yesFound + noFlagged;
-    std::printf("%-8s faces IoU>=0.5 %2d/21 (mean IoU %.2f) | clear smiles: recall %d/%d = %.2f, precision %d/%d = %.2f"
-                " | slight called smiling %d/%d\n",
-                name, matched, iouSum / 21, yesFound, yes, double(yesFound) / yes, yesFound, flagged,
-                flagged ? double(yesFound) / flagged : 0.0, slightFlagged, slight);
+    std::printf(
+        "%-8s faces IoU>=0.5 %2d/%lld (mean IoU %.2f) | clear smiles: recall %d/%d = %.2f, precision %d/%d = %.2f"
+        " | slight called smiling %d/%d\n",
+        name, matched, labelled.size(), iouSum / std::max<qsizetype>(1, labelled.size()), yesFound, yes,
+        double(yesFound) / yes, yesFound, flagged, flagged ? double(yesFound) / flagged : 0.0, slightFlagged, slight);
     std::printf("%-8s   with slight counted as smiles: recall %d/%d; as neutral: false smiles %d/%d\n", name,
                 yesFound + slightFlagged, yes + slight, noFlagged + slightFlagged, no + slight);
     return {yes ? double(yesFound) / yes : 0.0, flagged ? double(yesFound) / flagged : 0.0};
@@ -197,14 +202,16 @@ void learnedCurve()
         const auto values = detector.smileScores(loadPhoto(photo));
         scores.append({photo.smile, values.isEmpty() ? -100.f : values.first()});
     }
-    std::printf("learned smile curve (log-odds threshold: recall on yes / false smiles on no / slight called smiling):\n ");
+    std::printf(
+        "learned smile curve (log-odds threshold: recall on yes / false smiles on no / slight called smiling):\n ");
     for (float threshold : {-1.0f, -0.5f, 0.0f, 0.5f, VextilLearnedFaceDetector::kSmileLogOdds, 1.0f, 1.5f, 2.0f}) {
-        int yes = 0, no = 0, slight = 0;
+        int called[3] = {}, all[3] = {};  // yes, no, slight
         for (const auto &[label, value] : scores) {
-            const bool smile = value > threshold;
-            (label == QLatin1String("yes") ? yes : label == QLatin1String("no") ? no : slight) += smile;
+            const int kind = label == QLatin1String("yes") ? 0 : label == QLatin1String("no") ? 1 : 2;
+            ++all[kind];
+            called[kind] += value > threshold;
         }
-        std::printf(" %.2f: %d/7 %d/7 %d/7 |", threshold, yes, no, slight);
+        std::printf(" %.2f: %d/%d %d/%d %d/%d |", threshold, called[0], all[0], called[1], all[1], called[2], all[2]);
     }
     std::printf("\n");
 }
@@ -251,8 +258,9 @@ int earlySmiles(const char *name, const Factory &make, const QStringList &paths)
         const auto whileSmiling = std::count_if(r.neutralTakenSeconds.begin(), r.neutralTakenSeconds.end(),
                                                 [](double t) { return t < kEarlySmileEndSeconds; });
         clean += r.opened && whileSmiling == 0;
-        std::printf("%-8s %-24s %lld neutral images taken while smiling; %s\n", name, qPrintable(QFileInfo(clip).fileName()),
-                    static_cast<long long>(whileSmiling), r.completed ? "completed" : "NOT completed");
+        std::printf("%-8s %-24s %lld neutral images taken while smiling; %s\n", name,
+                    qPrintable(QFileInfo(clip).fileName()), static_cast<long long>(whileSmiling),
+                    r.completed ? "completed" : "NOT completed");
     }
     return clean;
 }
@@ -280,10 +288,11 @@ void learnedClipScores(const QStringList &paths)
             std::nth_element(v.begin(), v.begin() + std::ptrdiff_t(v.size() / 2), v.end());
             return v[v.size() / 2];
         };
-        std::printf("learned  %-24s smile log-odds: face before 7 s median %6.2f max %6.2f | after median %6.2f min %6.2f\n",
-                    qPrintable(QFileInfo(clip).fileName()), median(neutral),
-                    neutral.empty() ? 0.0f : *std::max_element(neutral.begin(), neutral.end()), median(smile),
-                    smile.empty() ? 0.0f : *std::min_element(smile.begin(), smile.end()));
+        std::printf(
+            "learned  %-24s smile log-odds: face before 7 s median %6.2f max %6.2f | after median %6.2f min %6.2f\n",
+            qPrintable(QFileInfo(clip).fileName()), median(neutral),
+            neutral.empty() ? 0.0f : *std::max_element(neutral.begin(), neutral.end()), median(smile),
+            smile.empty() ? 0.0f : *std::min_element(smile.begin(), smile.end()));
     }
 }
 
@@ -314,9 +323,7 @@ int main(int argc, char **argv)
     for (const auto &[name, make] : detectors)
         summary[name].smiles = photos(name, make);
     learnedCurve();
-    QStringList paths;
-    for (const char *clip : {VEXTIL_SELFIE_CLIP, VEXTIL_CLIP_DIM, VEXTIL_CLIP_BRIGHT, VEXTIL_CLIP_SMIRK, VEXTIL_CLIP_TALKING})
-        paths.append(QString::fromUtf8(clip));
+    const QStringList paths = clipList(VEXTIL_SMILE_CLIPS);
     for (const auto &[name, make] : detectors)
         summary[name].clipsAtLimit = clips(name, make, paths);
     const QStringList stillPaths = clipList(VEXTIL_STILL_CLIPS), earlyPaths = clipList(VEXTIL_EARLY_SMILE_CLIPS);
@@ -335,9 +342,9 @@ int main(int argc, char **argv)
         const Summary &s = summary[name];
         std::printf("detector %s frame_ms %.2f smile_recall %.2f smile_precision %.2f clips_completed %d/%lld"
                     " stills_refused %d/%lld early_smile_clean %d/%lld\n",
-                    name, s.frameMs, s.smiles.recall, s.smiles.precision, s.clipsAtLimit, static_cast<long long>(paths.size()),
-                    s.stillsRefused, static_cast<long long>(stillPaths.size()), s.earlyClean,
-                    static_cast<long long>(earlyPaths.size()));
+                    name, s.frameMs, s.smiles.recall, s.smiles.precision, s.clipsAtLimit,
+                    static_cast<long long>(paths.size()), s.stillsRefused, static_cast<long long>(stillPaths.size()),
+                    s.earlyClean, static_cast<long long>(earlyPaths.size()));
     }
     return 0;
 }

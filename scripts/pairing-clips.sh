@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds a clip for every pairing of a clear neutral face with a clear smile of the labelled
-# photos, in four kinds of light, and runs the capture benchmark over all of them:
+# photos, in five kinds of light, and runs the capture benchmark over all of them:
 #   scripts/pairing-clips.sh [OUT_DIR]      (default build/pairing-clips)
 # Run scripts/build.sh first. The clips are kept, and reused when run again.
 set -euo pipefail
@@ -16,6 +16,7 @@ declare -A light=(
   [dim]="--brightness -35 --contrast 0.8 --noise 6"
   [bright]="--brightness 30 --contrast 1.15 --noise 4"
   [very-dim]="--brightness -50 --contrast 0.6 --noise 10"
+  [side-lit]="--side-light 0.3"
 )
 faces=$root/tests/data/faces
 clips=()

@@ -10,7 +10,7 @@ namespace {
 TEST(CascadeFaceDetector, FindsTheLabelledFaceInEveryPhotoLargestFirst)
 {
     const QList<LabelledPhoto> photos = loadLabelledPhotos();
-    ASSERT_EQ(photos.size(), 21) << "test data missing";
+    ASSERT_GE(photos.size(), 23) << "test data missing";
     VextilCascadeFaceDetector detector;
     ASSERT_TRUE(detector.isLoaded()) << qPrintable(detector.errorString());
     for (const LabelledPhoto &photo : photos) {

@@ -1,7 +1,7 @@
+#include "detection/VextilLearnedFaceDetector.h"
 #include "detection/VextilBlazeFace.h"
 #include "detection/VextilCascadeFaceDetector.h"
 #include "detection/VextilGreyExpressionNet.h"
-#include "detection/VextilLearnedFaceDetector.h"
 #include "LabelledPhotos.h"
 
 #include <VextilToolkit/VextilVideoFileReader.h>
@@ -72,15 +72,32 @@ TEST(GreyExpressionNet, ReadsNothingOutsideTheImageNamesAMissingModelAndIgnoresT
         painter.fillRect(out.rect(), QColor(grey, grey, grey));
         return out;
     };
+    // Light from a window on the left: the right edge keeps a third of it.
+    const auto sideLit = [](const QImage &image) {
+        QImage out = image;
+        QPainter painter(&out);
+        painter.setCompositionMode(QPainter::CompositionMode_Multiply);
+        QLinearGradient falloff(0, 0, out.width(), 0);
+        falloff.setColorAt(0, Qt::white);
+        falloff.setColorAt(1, QColor(85, 85, 85));
+        painter.fillRect(out.rect(), falloff);
+        return out;
+    };
     for (const LabelledPhoto &photo : loadLabelledPhotos()) {
         if (photo.smile == "slight")
             continue;
         SCOPED_TRACE(qPrintable(photo.file));
         const QImage image = loadPhoto(photo);
         const float score = net.smileLogOdds(image, photo.face);
-        EXPECT_NEAR(net.smileLogOdds(lit(image, QPainter::CompositionMode_Multiply, 89, 1), photo.face), score, 1.0) << "dim";
-        EXPECT_NEAR(net.smileLogOdds(lit(image, QPainter::CompositionMode_SourceOver, 240, 0.5), photo.face), score, 1.0)
+        EXPECT_NEAR(net.smileLogOdds(lit(image, QPainter::CompositionMode_Multiply, 89, 1), photo.face), score, 1.0)
+            << "dim";
+        EXPECT_NEAR(net.smileLogOdds(lit(image, QPainter::CompositionMode_SourceOver, 240, 0.5), photo.face), score,
+                    1.0)
             << "washed out";
+        // Half the face in shadow moves the score more, but never across the verdict.
+        EXPECT_EQ(net.smileLogOdds(sideLit(image), photo.face) > VextilLearnedFaceDetector::kSmileLogOdds,
+                  photo.smile == "yes")
+            << "lit from one side";
     }
 }
 
@@ -144,10 +161,10 @@ TEST(LearnedFaceDetector, IsTheDefaultFallsBackToTheCascadeWithOneWarningAndCanB
 
     static int warnings = 0;
     warnings = 0;
-    const QtMessageHandler previous = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &) {
-        warnings += type == QtWarningMsg;
-    });
-    auto broken = std::make_shared<VextilLearnedFaceDetector>(QStringLiteral("/nonexistent/face.onnx"), QStringLiteral("/nonexistent/m.json"),
+    const QtMessageHandler previous = qInstallMessageHandler(
+        [](QtMsgType type, const QMessageLogContext &, const QString &) { warnings += type == QtWarningMsg; });
+    auto broken = std::make_shared<VextilLearnedFaceDetector>(QStringLiteral("/nonexistent/face.onnx"),
+                                                              QStringLiteral("/nonexistent/m.json"),
                                                               QStringLiteral("/nonexistent/w.bin"));
     EXPECT_FALSE(broken->isLoaded());
     const auto fallback = VextilLearnedFaceDetector::createOrFallBack(broken);

@@ -1,6 +1,7 @@
 // Assembles a selfie clip from two still photos: some time with no face in view, then a neutral
 // face, then a smiling one (optionally a smile first too, as a user who smiles too early; or the
-// same photo twice, as a still photo held up to the camera). Portrait by default, as a phone's front camera films; landscape with
+// same photo twice, as a still photo held up to the camera). Portrait by default, as a phone's front camera films;
+// landscape with
 // --size 1280x720, as a laptop's webcam does. Small head movement and sensor noise keep the
 // frames from being identical, as a real camera's are. Deterministic: same input, same clip.
 
@@ -25,28 +26,43 @@ struct Options {
     // A user who smiles before being asked: the smile shows this long before the neutral face.
     double earlySmileSeconds = 0;
     double brightness = 0, contrast = 1, noise = 2.5;  // light and sensor of the simulated camera
+    // Light from a window on the left: the right edge gets this share of the left edge's light.
+    double sideLight = 1;
 };
 
 bool parse(int argc, char **argv, Options &o)
 {
     for (int i = 1; i + 1 < argc; i += 2) {
         const std::string key = argv[i], value = argv[i + 1];
-        if (key == "--neutral") o.neutral = value;
-        else if (key == "--smile") o.smile = value;
-        else if (key == "--output") o.output = value;
-        else if (key == "--fps") o.fps = std::stod(value);
-        else if (key == "--blank-seconds") o.blankSeconds = std::stod(value);
-        else if (key == "--neutral-seconds") o.neutralSeconds = std::stod(value);
-        else if (key == "--smile-seconds") o.smileSeconds = std::stod(value);
-        else if (key == "--early-smile-seconds") o.earlySmileSeconds = std::stod(value);
-        else if (key == "--brightness") o.brightness = std::stod(value);
-        else if (key == "--contrast") o.contrast = std::stod(value);
-        else if (key == "--noise") o.noise = std::stod(value);
+        if (key == "--neutral")
+            o.neutral = value;
+        else if (key == "--smile")
+            o.smile = value;
+        else if (key == "--output")
+            o.output = value;
+        else if (key == "--fps")
+            o.fps = std::stod(value);
+        else if (key == "--blank-seconds")
+            o.blankSeconds = std::stod(value);
+        else if (key == "--neutral-seconds")
+            o.neutralSeconds = std::stod(value);
+        else if (key == "--smile-seconds")
+            o.smileSeconds = std::stod(value);
+        else if (key == "--early-smile-seconds")
+            o.earlySmileSeconds = std::stod(value);
+        else if (key == "--brightness")
+            o.brightness = std::stod(value);
+        else if (key == "--contrast")
+            o.contrast = std::stod(value);
+        else if (key == "--noise")
+            o.noise = std::stod(value);
+        else if (key == "--side-light")
+            o.sideLight = std::stod(value);
         else if (key == "--size") {
             if (std::sscanf(value.c_str(), "%dx%d", &o.width, &o.height) != 2 || o.width <= 0 || o.height <= 0)
                 return false;
-        }
-        else return false;
+        } else
+            return false;
     }
     return !o.neutral.empty() && !o.smile.empty() && !o.output.empty() && o.fps > 0;
 }
@@ -92,11 +108,26 @@ cv::Mat emptyRoom(cv::Size size)
     cv::Mat room(size, CV_8UC3);
     for (int y = 0; y < size.height; ++y) {
         const double t = double(y) / size.height;
-        const cv::Vec3b colour = t < 0.7 ? cv::Vec3b(uchar(205 - 40 * t), uchar(200 - 30 * t), uchar(190 - 20 * t))
-                                         : cv::Vec3b(70, 80, 95);
+        const cv::Vec3b colour =
+            t < 0.7 ? cv::Vec3b(uchar(205 - 40 * t), uchar(200 - 30 * t), uchar(190 - 20 * t)) : cv::Vec3b(70, 80, 95);
         room.row(y).setTo(colour);
     }
     return room;
+}
+
+// The light falls off linearly from the left edge to the right one, leaving half of the face in shadow.
+cv::Mat sideLit(const cv::Mat &frame, double rightShare)
+{
+    cv::Mat gain(1, frame.cols, CV_32FC3);
+    for (int x = 0; x < frame.cols; ++x) {
+        const float g = float(1.0 + (rightShare - 1.0) * x / std::max(1, frame.cols - 1));
+        gain.at<cv::Vec3f>(0, x) = cv::Vec3f(g, g, g);
+    }
+    cv::Mat lit;
+    frame.convertTo(lit, CV_32FC3);
+    lit = lit.mul(cv::repeat(gain, frame.rows, 1));
+    lit.convertTo(lit, CV_8UC3);
+    return lit;
 }
 
 // A little sway and breathing zoom, the camera's light response, then sensor noise.
@@ -111,6 +142,8 @@ cv::Mat cameraFrame(const cv::Mat &scene, double t, cv::RNG &rng, const Options 
     cv::warpAffine(scene, frame, motion, scene.size(), cv::INTER_LINEAR, cv::BORDER_REFLECT);
     cv::Mat noise(frame.size(), CV_16SC3);
     rng.fill(noise, cv::RNG::NORMAL, 0, o.noise);
+    if (o.sideLight != 1)
+        frame = sideLit(frame, o.sideLight);
     cv::Mat noisy;
     frame.convertTo(noisy, CV_16SC3, o.contrast, o.brightness + 128 * (1 - o.contrast));
     noisy += noise;
@@ -126,7 +159,9 @@ int main(int argc, char **argv)
     if (!parse(argc, argv, o)) {
         std::fprintf(stderr,
                      "usage: %s --neutral PHOTO --smile PHOTO --output CLIP.avi [--fps 15] [--blank-seconds 1]"
-                     " [--neutral-seconds 6] [--smile-seconds 3] [--early-smile-seconds 0] [--brightness 0] [--contrast 1] [--noise 2.5]"
+                     " [--neutral-seconds 6] [--smile-seconds 3] [--early-smile-seconds 0] [--brightness 0] "
+                     "[--contrast 1] [--noise 2.5]"
+                     " [--side-light 1]"
                      " [--size 720x1280]\n",
                      argv[0]);
         return 2;
@@ -143,7 +178,8 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "cannot write %s\n", o.output.c_str());
         return 1;
     }
-    const cv::Mat room = emptyRoom(size), neutralScene = personScene(neutral, size), smileScene = personScene(smile, size);
+    const cv::Mat room = emptyRoom(size), neutralScene = personScene(neutral, size),
+                  smileScene = personScene(smile, size);
     // The scenes in order, each with the time it ends.
     const std::pair<const cv::Mat *, double> schedule[] = {
         {&room, o.blankSeconds},
