@@ -13,6 +13,7 @@ packages=(
   clang libclang-rt-14-dev
   doxygen dpkg-dev
   qt6-l10n-tools qt6-tools-dev
+  libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base gstreamer1.0-plugins-good
 )
 
 missing=()

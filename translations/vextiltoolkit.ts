@@ -95,5 +95,13 @@
         <source>Relax your face</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>No camera found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The camera is not responding</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

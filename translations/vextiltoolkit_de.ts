@@ -95,5 +95,13 @@
         <source>Relax your face</source>
         <translation>Entspannen Sie Ihr Gesicht</translation>
     </message>
+    <message>
+        <source>No camera found</source>
+        <translation>Keine Kamera gefunden</translation>
+    </message>
+    <message>
+        <source>The camera is not responding</source>
+        <translation>Die Kamera reagiert nicht</translation>
+    </message>
 </context>
 </TS>

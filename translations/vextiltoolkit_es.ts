@@ -95,5 +95,13 @@
         <source>Relax your face</source>
         <translation>Relaja la cara</translation>
     </message>
+    <message>
+        <source>No camera found</source>
+        <translation>No se encontró ninguna cámara</translation>
+    </message>
+    <message>
+        <source>The camera is not responding</source>
+        <translation>La cámara no responde</translation>
+    </message>
 </context>
 </TS>

@@ -95,5 +95,13 @@
         <source>Relax your face</source>
         <translation>Relaxe o rosto</translation>
     </message>
+    <message>
+        <source>No camera found</source>
+        <translation>Nenhuma câmera encontrada</translation>
+    </message>
+    <message>
+        <source>The camera is not responding</source>
+        <translation>A câmera não está respondendo</translation>
+    </message>
 </context>
 </TS>

@@ -18,6 +18,7 @@
 #include <optional>
 
 class NavigationBarView;
+class VextilCameraWatchdog;
 class VextilCaptureQueue;
 class VextilFaceCameraView;
 class VextilFaceProgressBoxView;
@@ -25,7 +26,9 @@ class VextilFaceProgressBoxView;
 /// The camera screen: navigation bar, camera picture and progress box; opens the camera (or
 /// its stand-in), checks permission, shows the tutorial, feeds every frame to the face capture
 /// model on the "capture_session_queue" thread, shows what the model asks for, and reports the
-/// end of the capture to its delegate. GUI thread, except the frame path and the model's calls.
+/// end of the capture to its delegate. A camera that is missing, fails or stops delivering is
+/// named on the screen in place of the instructions and reopened until it delivers again. GUI
+/// thread, except the frame path and the model's calls.
 class VEXTIL_EXPORT VextilFaceCameraViewController : public VextilBaseViewController,
                                                      public VextilFaceCameraModelDelegate {
     Q_OBJECT
@@ -99,6 +102,8 @@ private:
     void cameraDenied();
     void captureOutput(const VextilCameraFrame &frame);
     void startSource();
+    void stopSource();
+    void showInstructions();
     void showFrame(const QImage &frame);
     void onGuiThread(std::function<void()> work);
 
@@ -110,6 +115,8 @@ private:
     VextilFaceProgressBoxView *m_faceProgressBoxView = nullptr;
     std::unique_ptr<VextilFrameSource> m_source;
     std::unique_ptr<VextilCaptureQueue> m_captureQueue;
+    VextilCameraWatchdog *m_watchdog = nullptr;
+    QString m_modelText;  // the model's newest instruction, shown whenever the camera delivers
     std::atomic<bool> m_isPresentingTutorial{false};
     bool m_captureActive = false;  // between starting the camera and the end of the capture
     QPointer<QMessageBox> m_alert;

@@ -30,9 +30,13 @@ public:
     /// Whether the source can deliver at all (a camera exists, the file opens).
     virtual bool isAvailable() const = 0;
 
-    /// The front camera (see README for the choice when none reports a position). Never a
-    /// stand-in: the host puts one in the camera's place in code (VextilFace::setFrameSourceFactory).
-    static std::unique_ptr<VextilFrameSource> createDefault();
+    /// The camera named (by description or id) if it is there, else the front camera (see README
+    /// for the choice when none reports a position). Never a stand-in: the host puts one in the
+    /// camera's place in code (VextilFace::setFrameSourceFactory).
+    static std::unique_ptr<VextilFrameSource> createDefault(const QString &camera = {});
+    /// The descriptions of the system's cameras, each camera once (some backends list a camera
+    /// twice).
+    static QStringList cameraNames();
 
 protected:
     void deliver(const VextilCameraFrame &frame) const

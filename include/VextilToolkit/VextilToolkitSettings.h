@@ -41,6 +41,12 @@ public:
     void setMirrorsPreview(bool mirrors);
     bool mirrorsPreview() const;
 
+    /// The camera to film with, named by its description or id (see
+    /// VextilFrameSource::cameraNames()); empty (the default), or a camera that is not there: the
+    /// toolkit chooses, as the README says. Read when a camera screen opens its camera.
+    void setCamera(const QString &camera);
+    QString camera() const;
+
     /// Draws the tutorial without a blur (black at 75% opacity) for users who ask for reduced
     /// transparency. Qt exposes no such system preference, so it is off until the host sets it.
     void setReduceTransparency(bool reduce);
@@ -65,4 +71,5 @@ private:
     std::shared_ptr<VextilColorScheme> m_colorScheme;
     bool m_reduceTransparency = false;
     bool m_mirrorsPreview = true;
+    QString m_camera;
 };

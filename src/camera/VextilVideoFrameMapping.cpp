@@ -19,6 +19,21 @@ cv::Mat planeOf(const QVideoFrame &frame, int plane, int width, int height, int 
     return cv::Mat(height, width, type, const_cast<uchar *>(frame.bits(plane)), size_t(stride));
 }
 
+// Full-range samples (a JPEG camera's decoded frames) squeezed into the video range that
+// OpenCV's conversions read: luma 0-255 to 16-235, chroma 0-255 to 16-240 around 128. `kinds`
+// says, per channel of the plane, whether it holds luma ('y') or chroma ('c').
+cv::Mat toVideoRange(const cv::Mat &plane, const char *kinds)
+{
+    cv::Mat lut(1, 256, CV_8UC(plane.channels()));
+    for (int i = 0; i < 256; ++i)
+        for (int c = 0; c < plane.channels(); ++c)
+            lut.ptr(0)[i * plane.channels() + c] = uchar(
+                kinds[c] == 'y' ? 16 + (i * 219 + 127) / 255 : 128 + ((i - 128) * 224 + (i >= 128 ? 127 : -127)) / 255);
+    cv::Mat squeezed;
+    cv::LUT(plane, lut, squeezed);
+    return squeezed;
+}
+
 bool allPresent(std::initializer_list<const cv::Mat *> planes)
 {
     return std::all_of(planes.begin(), planes.end(), [](const cv::Mat *plane) { return !plane->empty(); });
@@ -31,19 +46,24 @@ void appendRows(std::vector<uchar> &to, const cv::Mat &plane)
         to.insert(to.end(), plane.ptr(y), plane.ptr(y) + plane.cols * plane.elemSize());
 }
 
-// The camera's YUV formats converted from their planes with OpenCV (BT.601, limited range, as
-// Qt reads them), into `bgrx`; false for other formats or sizes they cannot have. Qt's own
+// The camera's YUV formats converted from their planes with OpenCV (BT.601; full-range frames
+// are first squeezed into the video range), into `bgrx`; false for other formats or sizes they cannot have. Qt's own
 // conversion is slower, and crashes on some of them (planar 4:2:2 in Qt 6.4).
 bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
 {
     const int w = frame.width(), h = frame.height();
+    const bool full = frame.surfaceFormat().colorRange() == QVideoFrameFormat::ColorRange_Full;
+    const auto plane = [&](int index, int pw, int ph, int type, const char *kinds) {
+        const cv::Mat raw = planeOf(frame, index, pw, ph, type);
+        return full && !raw.empty() ? toVideoRange(raw, kinds) : raw;
+    };
     if (w < 2 || h < 2 || w % 2 || h % 2)
         return false;
     const QVideoFrameFormat::PixelFormat format = frame.pixelFormat();
     switch (format) {
     case QVideoFrameFormat::Format_YUYV:
     case QVideoFrameFormat::Format_UYVY: {
-        const cv::Mat packed = planeOf(frame, 0, w, h, CV_8UC2);
+        const cv::Mat packed = plane(0, w, h, CV_8UC2, format == QVideoFrameFormat::Format_YUYV ? "yc" : "cy");
         if (!allPresent({&packed}))
             return false;
         cv::cvtColor(packed, bgrx,
@@ -52,7 +72,7 @@ bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
     }
     case QVideoFrameFormat::Format_NV12:
     case QVideoFrameFormat::Format_NV21: {
-        const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), chroma = planeOf(frame, 1, w / 2, h / 2, CV_8UC2);
+        const cv::Mat luma = plane(0, w, h, CV_8UC1, "y"), chroma = plane(1, w / 2, h / 2, CV_8UC2, "cc");
         if (!allPresent({&luma, &chroma}))
             return false;
         cv::cvtColorTwoPlane(luma, chroma, bgrx,
@@ -62,8 +82,8 @@ bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
     }
     case QVideoFrameFormat::Format_YUV420P:
     case QVideoFrameFormat::Format_YV12: {
-        const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), first = planeOf(frame, 1, w / 2, h / 2, CV_8UC1),
-                      second = planeOf(frame, 2, w / 2, h / 2, CV_8UC1);
+        const cv::Mat luma = plane(0, w, h, CV_8UC1, "y"), first = plane(1, w / 2, h / 2, CV_8UC1, "c"),
+                      second = plane(2, w / 2, h / 2, CV_8UC1, "c");
         if (!allPresent({&luma, &first, &second}))
             return false;
         // OpenCV reads the three planes from one block, each plane's rows without padding.
@@ -77,8 +97,8 @@ bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
         return true;
     }
     case QVideoFrameFormat::Format_YUV422P: {
-        const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), u = planeOf(frame, 1, w / 2, h, CV_8UC1),
-                      v = planeOf(frame, 2, w / 2, h, CV_8UC1);
+        const cv::Mat luma = plane(0, w, h, CV_8UC1, "y"), u = plane(1, w / 2, h, CV_8UC1, "c"),
+                      v = plane(2, w / 2, h, CV_8UC1, "c");
         if (!allPresent({&luma, &u, &v}))
             return false;
         // Interleaved into YUYV, which OpenCV converts.

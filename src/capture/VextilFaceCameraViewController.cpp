@@ -5,6 +5,7 @@
 
 #include "camera/VextilCaptureQueue.h"
 #include "camera/VextilUprightFrame.h"
+#include "capture/VextilCameraWatchdog.h"
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBoxView.h"
 #include "core/VextilMainQueue.h"
@@ -18,7 +19,7 @@
 
 namespace {
 qint64 nowNs() { return std::chrono::steady_clock::now().time_since_epoch().count(); }
-}
+}  // namespace
 
 VextilFaceCameraViewController::VextilFaceCameraViewController(QWidget *parent) : VextilBaseViewController(parent)
 {
@@ -36,11 +37,7 @@ VextilFaceCameraViewController::~VextilFaceCameraViewController()
         m_captureQueue->shutdown();
 }
 
-void VextilFaceCameraViewController::hideEvent(QHideEvent *)
-{
-    if (m_source)
-        m_source->stop();
-}
+void VextilFaceCameraViewController::hideEvent(QHideEvent *) { stopSource(); }
 
 void VextilFaceCameraViewController::showEvent(QShowEvent *)
 {
@@ -63,6 +60,8 @@ void VextilFaceCameraViewController::setFrameSource(std::unique_ptr<VextilFrameS
     if (m_source)
         m_source->stop();
     m_source = std::move(source);
+    if (m_watchdog)
+        m_watchdog->setSource(m_source.get());
 }
 
 void VextilFaceCameraViewController::viewDidLoad()
@@ -73,7 +72,8 @@ void VextilFaceCameraViewController::viewDidLoad()
     setupConstraints();
     setupCamera();
     // The state machine runs on the capture queue, resets included.
-    m_model->setStateQueue([queue = m_captureQueue.get()](std::function<void()> work) { queue->dispatch(std::move(work)); });
+    m_model->setStateQueue(
+        [queue = m_captureQueue.get()](std::function<void()> work) { queue->dispatch(std::move(work)); });
     if (m_presentTutorial)
         presentTutorialPopUp();
 }
@@ -101,12 +101,15 @@ void VextilFaceCameraViewController::viewDidAppear(bool)
 void VextilFaceCameraViewController::setupView()
 {
     m_navigationView = new NavigationBarView(VextilTexts::tr("Register selfie"), true, this);
-    connect(m_navigationView->helpButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::presentTutorialPopUp);
-    connect(m_navigationView->backButton(), &QAbstractButton::pressed, this, &VextilFaceCameraViewController::didCancel);
+    connect(m_navigationView->helpButton(), &QAbstractButton::pressed, this,
+            &VextilFaceCameraViewController::presentTutorialPopUp);
+    connect(m_navigationView->backButton(), &QAbstractButton::pressed, this,
+            &VextilFaceCameraViewController::didCancel);
     m_faceCameraView = new VextilFaceCameraView(this);
     m_faceCameraView->videoPreviewLayer()->setMirrored(VextilToolkitSettings::sharedInstance()->mirrorsPreview());
     m_faceProgressBoxView = new VextilFaceProgressBoxView(this);
-    m_faceProgressBoxView->updateInstructionsLabelWithText(m_model->getFirstMessageText());
+    m_modelText = m_model->getFirstMessageText();
+    m_faceProgressBoxView->updateInstructionsLabelWithText(m_modelText);
 }
 
 void VextilFaceCameraViewController::setupConstraints()
@@ -114,11 +117,14 @@ void VextilFaceCameraViewController::setupConstraints()
     if (!m_navigationView)
         return;
     const QRectF view = rect();
-    const QRectF bar = VextilFrame().top(0).width(view.width()).centerX(view.center().x()).height(view.height() * 0.09).rect();
-    const QRectF box = VextilFrame().width(view.width()).centerX(view.center().x()).height(150).bottom(view.bottom()).rect();
+    const QRectF bar =
+        VextilFrame().top(0).width(view.width()).centerX(view.center().x()).height(view.height() * 0.09).rect();
+    const QRectF box =
+        VextilFrame().width(view.width()).centerX(view.center().x()).height(150).bottom(view.bottom()).rect();
     m_navigationView->setGeometry(bar.toRect());
     m_faceProgressBoxView->setGeometry(box.toRect());
-    m_faceCameraView->setGeometry(VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).bottom(box.top()).pixels());
+    m_faceCameraView->setGeometry(
+        VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).bottom(box.top()).pixels());
     if (m_model && m_faceCameraView->isVisible())
         m_model->setViewSize(QSizeF(m_faceCameraView->size()));
 }
@@ -134,12 +140,18 @@ void VextilFaceCameraViewController::setupColors()
 void VextilFaceCameraViewController::setupCamera()
 {
     if (!m_source)
-        m_source = VextilFrameSource::createDefault();
-    m_captureQueue = std::make_unique<VextilCaptureQueue>([this](const VextilCameraFrame &frame) { captureOutput(frame); });
+        m_source = VextilFrameSource::createDefault(VextilToolkitSettings::sharedInstance()->camera());
+    m_captureQueue =
+        std::make_unique<VextilCaptureQueue>([this](const VextilCameraFrame &frame) { captureOutput(frame); });
     m_captureQueue->start();
     // Only the newest frame waits; a frame is converted once it is taken for analysis.
     VextilCaptureQueue *queue = m_captureQueue.get();
-    m_source->setFrameHandler([queue](const VextilCameraFrame &frame) { queue->post(frame); });
+    m_watchdog = new VextilCameraWatchdog(m_source.get(), this);
+    connect(m_watchdog, &VextilCameraWatchdog::healthChanged, this, &VextilFaceCameraViewController::showInstructions);
+    m_source->setFrameHandler([queue, watchdog = m_watchdog](const VextilCameraFrame &frame) {
+        watchdog->noteFrame();
+        queue->post(frame);
+    });
 }
 
 void VextilFaceCameraViewController::startCamera()
@@ -150,8 +162,25 @@ void VextilFaceCameraViewController::startCamera()
 
 void VextilFaceCameraViewController::startSource()
 {
-    if (m_source && isVisible() && !m_source->isRunning())
+    if (!m_source || !isVisible())
+        return;
+    if (!m_source->isRunning())
         m_source->start();
+    m_watchdog->watch();
+}
+
+void VextilFaceCameraViewController::stopSource()
+{
+    if (m_watchdog)
+        m_watchdog->rest();
+    if (m_source)
+        m_source->stop();
+}
+
+void VextilFaceCameraViewController::showInstructions()
+{
+    const QString fault = VextilCameraWatchdog::message(m_watchdog->health());
+    m_faceProgressBoxView->updateInstructionsLabelWithText(fault.isEmpty() ? m_modelText : fault);
 }
 
 void VextilFaceCameraViewController::captureOutput(const VextilCameraFrame &frame)
@@ -192,7 +221,11 @@ void VextilFaceCameraViewController::onGuiThread(std::function<void()> work)
 
 void VextilFaceCameraViewController::updateMessageText(const QString &text)
 {
-    onGuiThread([this, text] { m_faceProgressBoxView->updateInstructionsLabelWithText(text); });
+    onGuiThread([this, text] {
+        m_modelText = text;
+        if (m_watchdog->health() == VextilCameraWatchdog::Health::Live)
+            m_faceProgressBoxView->updateInstructionsLabelWithText(text);
+    });
 }
 
 void VextilFaceCameraViewController::updateProgressView(double progress)
@@ -232,11 +265,8 @@ std::optional<double> VextilFaceCameraViewController::secondsToCompletion() cons
 void VextilFaceCameraViewController::checkAuthorization()
 {
     switch (VextilCameraAuthorization::authorizationStatus()) {
-    case VextilCameraAuthorization::Authorized:
-        return;
-    case VextilCameraAuthorization::Restricted:
-        dismissController(false);
-        return;
+    case VextilCameraAuthorization::Authorized: return;
+    case VextilCameraAuthorization::Restricted: dismissController(false); return;
     case VextilCameraAuthorization::NotDetermined: {
         QPointer<VextilFaceCameraViewController> self(this);
         VextilCameraAuthorization::requestAccess([self](bool granted) {
@@ -250,13 +280,13 @@ void VextilFaceCameraViewController::checkAuthorization()
         });
         return;
     }
-    default:
-        cameraDenied();
+    default: cameraDenied();
     }
 }
 
 void VextilFaceCameraViewController::cameraDenied()
 {
+    m_watchdog->rest();  // the alert explains; no camera fault on top of it
     // These texts are fixed, not translated.
     auto *alert = new QMessageBox(QMessageBox::Warning, QStringLiteral("Error"),
                                   QStringLiteral("You need to allow this app to access this device's camera."),
@@ -290,8 +320,7 @@ void VextilFaceCameraViewController::dismissController(bool success)
     QPointer<VextilFaceCameraViewController> self(this);
     VextilMainQueue::dispatchAsync(this, [self, success] {
         self->m_captureActive = false;
-        if (self->m_source)
-            self->m_source->stop();
+        self->stopSource();
         if (self->m_model)
             self->m_model->resetState();
         if (auto *delegate = dynamic_cast<VextilFaceCameraControllerDelegate *>(self->m_delegate.data()))

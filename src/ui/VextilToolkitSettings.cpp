@@ -43,18 +43,26 @@ bool VextilToolkitSettings::initWithAuthKey(const std::optional<QString> &authKe
 }
 
 std::optional<QString> VextilToolkitSettings::authKey() const { return readLocked(m_mutex, m_authKey); }
-void VextilToolkitSettings::setAuthKey(const std::optional<QString> &authKey) { writeLocked(m_mutex, m_authKey, authKey); }
+void VextilToolkitSettings::setAuthKey(const std::optional<QString> &authKey)
+{
+    writeLocked(m_mutex, m_authKey, authKey);
+}
 
 void VextilToolkitSettings::setColorScheme(std::shared_ptr<VextilColorScheme> colorScheme)
 {
     writeLocked(m_mutex, m_colorScheme, std::move(colorScheme));
 }
 
-std::shared_ptr<VextilColorScheme> VextilToolkitSettings::getColorScheme() const { return readLocked(m_mutex, m_colorScheme); }
+std::shared_ptr<VextilColorScheme> VextilToolkitSettings::getColorScheme() const
+{
+    return readLocked(m_mutex, m_colorScheme);
+}
 void VextilToolkitSettings::setReduceTransparency(bool reduce) { writeLocked(m_mutex, m_reduceTransparency, reduce); }
 bool VextilToolkitSettings::isReduceTransparencyEnabled() const { return readLocked(m_mutex, m_reduceTransparency); }
 void VextilToolkitSettings::setMirrorsPreview(bool mirrors) { writeLocked(m_mutex, m_mirrorsPreview, mirrors); }
 bool VextilToolkitSettings::mirrorsPreview() const { return readLocked(m_mutex, m_mirrorsPreview); }
+void VextilToolkitSettings::setCamera(const QString &camera) { writeLocked(m_mutex, m_camera, camera); }
+QString VextilToolkitSettings::camera() const { return readLocked(m_mutex, m_camera); }
 
 QStringList VextilToolkitSettings::availableTranslations()
 {
@@ -70,8 +78,8 @@ bool VextilToolkitSettings::installTranslations(const QLocale &locale)
     if (locale.language() == QLocale::English)
         return true;  // the texts are written in English
     auto translator = std::make_unique<QTranslator>();
-    const bool loaded = translator->load(locale, QStringLiteral("vextiltoolkit"), QStringLiteral("_"), kTranslationsDir) ||
-                        translator->load(sameLanguageTranslation(locale));
+    const bool loaded = translator->load(locale, QStringLiteral("vextiltoolkit"), QStringLiteral("_"), kTranslationsDir)
+                        || translator->load(sameLanguageTranslation(locale));
     if (!loaded || !QCoreApplication::installTranslator(translator.get()))
         return false;
     // Owned by the application, so that it goes with it rather than outliving it.

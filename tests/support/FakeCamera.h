@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QByteArray>
+#include <QFile>
+#include <QString>
+#include <QTemporaryDir>
+
+// Sets up the GStreamer fake camera (tools/fake-camera) for this process: what it films, in
+// which formats and sizes, and how it fails. Call before the first use of Qt Multimedia: the
+// camera list is read once per process. Qt's GStreamer backend is used, the fake camera's
+// folder is on the plugin path, and a registry of the build's keeps the user's cache out of it.
+struct FakeCamera {
+    QString source;               // a video or a photo; empty: no camera at all
+    QByteArray formats = "YUY2";  // GStreamer format names or JPEG
+    QByteArray sizes = "1280x720";
+    QByteArray fault;                         // see FakeCameraSettings.h
+    QByteArray names = "Vextil fake camera";  // one camera each, comma-separated
+
+    void install() const
+    {
+        qputenv("QT_MEDIA_BACKEND", "gstreamer");
+        qputenv("GST_PLUGIN_PATH", VEXTIL_FAKE_CAMERA_DIR);
+        qputenv("GST_REGISTRY", VEXTIL_GST_REGISTRY);
+        qputenv("VEXTIL_FAKE_CAMERA_SOURCE", source.toUtf8());
+        qputenv("VEXTIL_FAKE_CAMERA_FORMATS", formats);
+        qputenv("VEXTIL_FAKE_CAMERA_SIZES", sizes);
+        qputenv("VEXTIL_FAKE_CAMERA_FAULT", fault);
+        qputenv("VEXTIL_FAKE_CAMERA_NAMES", names);
+        qputenv("VEXTIL_FAKE_CAMERA_STATE", stateFile().toUtf8());
+    }
+    // "open" while a camera films, "closed" once it has been let go.
+    static QByteArray state()
+    {
+        QFile file(stateFile());
+        return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
+    }
+    static QString stateFile()
+    {
+        static QTemporaryDir dir;
+        return dir.filePath(QStringLiteral("camera-state"));
+    }
+};
