@@ -10,18 +10,22 @@
 #include <VextilToolkit/VextilImageBuffer.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
 
+#include "camera/VextilUprightFrame.h"
+#include "camera/VextilVideoFrameMapping.h"
 #include "ClipRun.h"
 #include "detection/VextilBlazeFace.h"
 #include "detection/VextilCascadeFaceDetector.h"
 #include "detection/VextilGreyExpressionNet.h"
 #include "detection/VextilLearnedFaceDetector.h"
 #include "LabelledPhotos.h"
+#include "YuvFrames.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
 
 #include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
 
 #include <algorithm>
 #include <cstdio>
@@ -77,6 +81,52 @@ void conversion()
         ms.push_back(millis([&] { QImage image = VextilImageBuffer::imageFromSampleBuffer(buffer); }));
     const Timing t = summarise(ms);
     std::printf("conversion 720x1280:        mean %6.3f ms   p95 %6.3f ms   (target <= 1 ms)\n", t.mean, t.p95);
+}
+
+// A webcam's frames, each format at 720p and 1080p, from the camera frame to the upright copy of
+// a phone-sized view's region that the capture analyses (what the camera path costs per analysed
+// frame), and to the whole-size picture made for each of the seven frames the capture keeps.
+void cameraFormats(const QImage &scene)
+{
+    const std::pair<const char *, QVideoFrameFormat::PixelFormat> formats[] = {
+        {"YUYV", QVideoFrameFormat::Format_YUYV},    {"UYVY", QVideoFrameFormat::Format_UYVY},
+        {"NV12", QVideoFrameFormat::Format_NV12},    {"NV21", QVideoFrameFormat::Format_NV21},
+        {"I420", QVideoFrameFormat::Format_YUV420P}, {"YV12", QVideoFrameFormat::Format_YV12},
+        {"JPEG", QVideoFrameFormat::Format_YUV420P}};  // decoded JPEG: full-range I420
+    const QImage rgb = scene.convertToFormat(QImage::Format_RGB888);
+    for (const QSize size : {QSize(1280, 720), QSize(1920, 1080)}) {
+        cv::Mat bgr, room(rgb.height(), rgb.width(), CV_8UC3, const_cast<uchar *>(rgb.constBits()), rgb.bytesPerLine());
+        cv::cvtColor(room, bgr, cv::COLOR_RGB2BGR);
+        cv::resize(bgr, bgr, cv::Size(size.width(), size.height()));
+        for (const auto &[name, format] : formats) {
+            const QVideoFrame frame = yuvFrame(bgr, format, std::string(name) == "JPEG");
+            // As the camera source hands frames on: whole image and small copies made on demand.
+            const auto cameraFrame = [&frame] {
+                return VextilCameraFrame(
+                    frame.size(),
+                    [frame] {
+                        const VextilVideoFrameMapping mapping(frame);
+                        return VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
+                    },
+                    [frame](QRect region, QSize size) {
+                        return VextilVideoFrameMapping::scaledRegion(frame, region, size);
+                    });
+            };
+            std::vector<double> analysed, kept;
+            for (int i = 0; i < 100; ++i) {
+                analysed.push_back(millis([&] {
+                    if (VextilUprightFrame::scaledImage(cameraFrame(), QSizeF(390, 618), 720).isNull())
+                        std::printf("  %s: no image\n", name);
+                }));
+                kept.push_back(millis([&] { VextilUprightFrame::image(cameraFrame(), QSizeF(390, 618)); }));
+            }
+            const Timing a = summarise(analysed), k = summarise(kept);
+            std::printf(
+                "camera %-4s %4dx%-4d analysed copy: mean %5.2f ms p95 %5.2f ms (target <= 1 ms) | whole image, kept "
+                "frames only: mean %5.2f ms\n",
+                name, size.width(), size.height(), a.mean, a.p95, k.mean);
+        }
+    }
 }
 
 using Factory = std::function<std::shared_ptr<VextilFaceDetector>()>;
@@ -305,6 +355,7 @@ int main(int argc, char **argv)
     const QList<QImage> frames = clipFrames();
     std::printf("VextilToolkit capture benchmark (one thread, portrait 720x1280)\n");
     conversion();
+    cameraFormats(frames.value(frames.size() / 2));
     const std::pair<const char *, Factory> detectors[] = {
         {"cascade", [] { return std::make_shared<VextilCascadeFaceDetector>(); }},
         {"learned", [] { return std::make_shared<VextilLearnedFaceDetector>(); }},

@@ -3,6 +3,7 @@
 #include <VextilToolkit/VextilToolkitExport.h>
 
 #include <QImage>
+#include <QRect>
 #include <QSize>
 
 #include <functional>
@@ -12,6 +13,9 @@
 /// and what the camera says about turning them upright. Copies share the pixels.
 class VEXTIL_EXPORT VextilCameraFrame {
 public:
+    /// Makes `region` of the stored pixels, scaled to `size`, as a Format_RGB32 image.
+    using RegionConverter = std::function<QImage(QRect region, QSize size)>;
+
     /// A null frame.
     VextilCameraFrame();
     /// A frame whose pixels are already an image (Format_RGB32 is used as it is).
@@ -19,6 +23,10 @@ public:
     /// A frame of `size` whose pixels `convert` makes on first use, on the thread that first
     /// asks: a frame that is dropped is never converted.
     VextilCameraFrame(QSize size, std::function<QImage()> convert, int rotation = 0, bool mirrored = false);
+    /// As above, with a converter that makes a scaled region straight from the source's pixels,
+    /// for a small copy that costs a fraction of the whole image.
+    VextilCameraFrame(QSize size, std::function<QImage()> convert, RegionConverter convertRegion, int rotation = 0,
+                      bool mirrored = false);
 
     bool isNull() const;
     /// Size of the pixels as stored, before rotation.
@@ -30,6 +38,9 @@ public:
     bool isMirrored() const;
     /// The stored pixels as a Format_RGB32 image, converted on the first call; any thread.
     QImage image() const;
+    /// `region` of the stored pixels scaled to `size` (Format_RGB32): from the source's pixels
+    /// when it can, from image() when that has been made or the source cannot. Not kept.
+    QImage scaledRegion(QRect region, QSize size) const;
 
 private:
     struct Data;

@@ -61,6 +61,9 @@ public:
     /// Analyses one frame and moves the state machine. Capture thread; a frame that arrives
     /// while another is being detected is dropped.
     void processFace(const QImage &image);
+    /// The same for an image made small for analysis: the image kept for upload, when this
+    /// frame is kept, is `keep()`, the whole-size picture of the same view.
+    void processFace(const QImage &analysed, const std::function<QImage()> &keep);
     /// Enters a state and tells the delegate what to show. Thread of the caller.
     void setUItoState(VextilFaceCaptureState state);
     /// Queues a reset to the state machine's thread: both arrays new and empty, state 0.
@@ -98,9 +101,9 @@ public:
 
 private:
     void noFace();
-    void lookingForFace(const VextilFaceFeature &face, const QImage &image);
-    void collectingFaces(const VextilFaceFeature &face, const QImage &image);
-    void awaitingSmile(const VextilFaceFeature &face, const QImage &image);
+    void lookingForFace(const VextilFaceFeature &face, const std::function<QImage()> &keep);
+    void collectingFaces(const VextilFaceFeature &face, const std::function<QImage()> &keep);
+    void awaitingSmile(const VextilFaceFeature &face, const std::function<QImage()> &keep);
     bool secondHasPassed() const;
     void stampClock();
     int neutralCount() const;

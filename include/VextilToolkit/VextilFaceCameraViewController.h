@@ -116,7 +116,8 @@ private:
     std::unique_ptr<VextilFrameSource> m_source;
     std::unique_ptr<VextilCaptureQueue> m_captureQueue;
     VextilCameraWatchdog *m_watchdog = nullptr;
-    QString m_modelText;  // the model's newest instruction, shown whenever the camera delivers
+    QString m_modelText;                   // the model's newest instruction, shown whenever the camera delivers
+    std::atomic<int> m_analysedSide{720};  // longer side of the copy judged and shown, in pixels
     std::atomic<bool> m_isPresentingTutorial{false};
     bool m_captureActive = false;  // between starting the camera and the end of the capture
     QPointer<QMessageBox> m_alert;

@@ -1,5 +1,6 @@
 #include <VextilToolkit/VextilCameraFrame.h>
 
+#include <atomic>
 #include <mutex>
 
 struct VextilCameraFrame::Data {
@@ -7,7 +8,9 @@ struct VextilCameraFrame::Data {
     std::function<QImage()> convert;
     int rotation = 0;
     bool mirrored = false;
+    VextilCameraFrame::RegionConverter convertRegion;
     std::once_flag converted;
+    std::atomic<bool> hasImage{false};
     QImage image;
 };
 
@@ -19,17 +22,25 @@ int quarterTurn(int degrees) { return (((degrees + 45) / 90) % 4 + 4) % 4 * 90; 
 VextilCameraFrame::VextilCameraFrame() = default;
 
 VextilCameraFrame::VextilCameraFrame(QImage image, int rotation, bool mirrored)
-    : VextilCameraFrame(image.size(), [image] { return image; }, rotation, mirrored)
+    : VextilCameraFrame(
+        image.size(), [image] { return image; }, rotation, mirrored)
 {
 }
 
 VextilCameraFrame::VextilCameraFrame(QSize size, std::function<QImage()> convert, int rotation, bool mirrored)
+    : VextilCameraFrame(size, std::move(convert), {}, rotation, mirrored)
+{
+}
+
+VextilCameraFrame::VextilCameraFrame(QSize size, std::function<QImage()> convert, RegionConverter convertRegion,
+                                     int rotation, bool mirrored)
 {
     if (size.isEmpty())
         return;
     d = std::make_shared<Data>();
     d->size = size;
     d->convert = std::move(convert);
+    d->convertRegion = std::move(convertRegion);
     d->rotation = quarterTurn(rotation);
     d->mirrored = mirrored;
 }
@@ -49,6 +60,24 @@ QImage VextilCameraFrame::image() const
         d->convert = nullptr;  // the source's buffer is let go at once
         if (!d->image.isNull() && d->image.format() != QImage::Format_RGB32)
             d->image = d->image.convertToFormat(QImage::Format_RGB32);
+        d->hasImage = true;
     });
     return d->image;
+}
+
+QImage VextilCameraFrame::scaledRegion(QRect region, QSize size) const
+{
+    if (!d || region.isEmpty() || size.isEmpty())
+        return {};
+    if (d->convertRegion && !d->hasImage) {
+        QImage scaled = d->convertRegion(region, size);
+        return scaled.isNull() || scaled.format() == QImage::Format_RGB32
+                   ? scaled
+                   : scaled.convertToFormat(QImage::Format_RGB32);
+    }
+    const QImage whole = image();
+    if (whole.isNull())
+        return {};
+    const QImage cropped = region == whole.rect() ? whole : whole.copy(region);
+    return cropped.size() == size ? cropped : cropped.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }

@@ -74,7 +74,8 @@ void VextilCameraSource::open()
     if (m_camera->isFocusModeSupported(QCamera::FocusModeAuto))
         m_camera->setFocusMode(QCamera::FocusModeAuto);
     // Handed on as it is, on whatever thread the sink delivers from: the frame is mapped and
-    // copied only if the capture keeps it.
+    // converted only if the capture takes it, to a small copy for analysis and to a whole image
+    // only if the capture keeps it.
     QObject::connect(
         m_sink.get(), &QVideoSink::videoFrameChanged, m_sink.get(),
         [this](const QVideoFrame &frame) {
@@ -83,6 +84,9 @@ void VextilCameraSource::open()
                 [frame] {
                     const VextilVideoFrameMapping mapping(frame);
                     return VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
+                },
+                [frame](QRect region, QSize size) {
+                    return VextilVideoFrameMapping::scaledRegion(frame, region, size);
                 },
                 int(frame.rotationAngle()), frame.mirrored()));
         },

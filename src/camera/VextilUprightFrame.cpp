@@ -2,6 +2,7 @@
 
 #include <QTransform>
 
+#include <algorithm>
 #include <cmath>
 
 QRect VextilUprightFrame::visibleRegion(QSize upright, QSizeF viewSize)
@@ -22,10 +23,25 @@ QRect VextilUprightFrame::storedRegion(QRect r, QSize stored, int rotation)
     // Each case inverts a clockwise quarter turn of the stored picture.
     switch (rotation) {
     case 90: return QRect(r.y(), stored.height() - r.x() - r.width(), r.height(), r.width());
-    case 180: return QRect(stored.width() - r.x() - r.width(), stored.height() - r.y() - r.height(), r.width(), r.height());
+    case 180:
+        return QRect(stored.width() - r.x() - r.width(), stored.height() - r.y() - r.height(), r.width(), r.height());
     case 270: return QRect(stored.width() - r.y() - r.height(), r.x(), r.height(), r.width());
     default: return r;
     }
+}
+
+QImage VextilUprightFrame::scaledImage(const VextilCameraFrame &frame, QSizeF viewSize, int longestSide)
+{
+    if (frame.isNull())
+        return {};
+    const int rotation = frame.rotation();
+    const QSize stored = frame.size(), upright = rotation % 180 ? stored.transposed() : stored;
+    const QRect region = storedRegion(visibleRegion(upright, viewSize), stored, rotation);
+    const double scale = std::min(1.0, double(longestSide) / std::max(region.width(), region.height()));
+    const QSize size(std::max(1, int(std::lround(region.width() * scale))),
+                     std::max(1, int(std::lround(region.height() * scale))));
+    const QImage scaled = frame.scaledRegion(region, size);
+    return rotation == 0 || scaled.isNull() ? scaled : scaled.transformed(QTransform().rotate(rotation));
 }
 
 QImage VextilUprightFrame::image(const VextilCameraFrame &frame, QSizeF viewSize)

@@ -13,6 +13,9 @@ class VextilUprightFrame {
 public:
     /// The upright, cropped picture; a null image for a null frame. An empty view crops nothing.
     static QImage image(const VextilCameraFrame &frame, QSizeF viewSize);
+    /// The same picture scaled down so that its longer side is at most `longestSide`, made from
+    /// the frame's own pixels where the source allows (see VextilCameraFrame::scaledRegion).
+    static QImage scaledImage(const VextilCameraFrame &frame, QSizeF viewSize, int longestSide);
     /// The region of an upright picture of `upright` size that a view of `viewSize` shows when
     /// the picture fills it, keeping its aspect: the middle, as wide or as tall as the picture.
     static QRect visibleRegion(QSize upright, QSizeF viewSize);

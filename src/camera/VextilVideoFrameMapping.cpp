@@ -1,5 +1,7 @@
 #include "camera/VextilVideoFrameMapping.h"
 
+#include <VextilToolkit/VextilImageBuffer.h>
+
 #include <QSysInfo>
 
 #include <opencv2/imgproc.hpp>
@@ -120,7 +122,120 @@ bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
     }
 }
 
+// The region's luma and chroma planes, scaled to `size` and size / 2: U and V apart.
+struct SmallPlanes {
+    cv::Mat y, u, v;
+};
+
+cv::Mat scaled(const cv::Mat &plane, cv::Size size)
+{
+    cv::Mat out;
+    cv::resize(plane, out, size, 0, 0, cv::INTER_LINEAR);
+    return out;
+}
+
+// Interleaved chroma (U then V) scaled and split.
+void splitChroma(const cv::Mat &interleaved, cv::Size size, bool uFirst, SmallPlanes &out)
+{
+    cv::Mat pair[2];
+    cv::split(scaled(interleaved, size), pair);
+    out.u = pair[uFirst ? 0 : 1];
+    out.v = pair[uFirst ? 1 : 0];
+}
+
+bool smallPlanes(const QVideoFrame &frame, const cv::Rect &r, cv::Size size, SmallPlanes &out)
+{
+    const int w = frame.width(), h = frame.height();
+    const cv::Size half(size.width / 2, size.height / 2);
+    const cv::Rect r2(r.x / 2, r.y / 2, r.width / 2, r.height / 2), rows(r.x / 2, r.y, r.width / 2, r.height);
+    switch (const QVideoFrameFormat::PixelFormat format = frame.pixelFormat()) {
+    case QVideoFrameFormat::Format_YUYV:
+    case QVideoFrameFormat::Format_UYVY: {
+        const cv::Mat packed = planeOf(frame, 0, w, h, CV_8UC2);
+        if (packed.empty())
+            return false;
+        // One channel is luma; the other alternates U and V, read as pairs at half width.
+        const bool yFirst = format == QVideoFrameFormat::Format_YUYV;
+        cv::Mat luma, chroma;
+        cv::extractChannel(packed(r), luma, yFirst ? 0 : 1);
+        cv::extractChannel(packed(r), chroma, yFirst ? 1 : 0);
+        out.y = scaled(luma, size);
+        splitChroma(chroma.reshape(2), half, true, out);
+        return true;
+    }
+    case QVideoFrameFormat::Format_NV12:
+    case QVideoFrameFormat::Format_NV21: {
+        const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), chroma = planeOf(frame, 1, w / 2, h / 2, CV_8UC2);
+        if (luma.empty() || chroma.empty())
+            return false;
+        out.y = scaled(luma(r), size);
+        splitChroma(chroma(r2), half, format == QVideoFrameFormat::Format_NV12, out);
+        return true;
+    }
+    case QVideoFrameFormat::Format_YUV420P:
+    case QVideoFrameFormat::Format_YV12:
+    case QVideoFrameFormat::Format_YUV422P: {
+        const bool planar422 = format == QVideoFrameFormat::Format_YUV422P;
+        const int chromaHeight = planar422 ? h : h / 2;
+        const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), first = planeOf(frame, 1, w / 2, chromaHeight, CV_8UC1),
+                      second = planeOf(frame, 2, w / 2, chromaHeight, CV_8UC1);
+        if (luma.empty() || first.empty() || second.empty())
+            return false;
+        const cv::Rect chromaRegion = planar422 ? rows : r2;
+        const bool uFirst = format != QVideoFrameFormat::Format_YV12;
+        out.y = scaled(luma(r), size);
+        out.u = scaled((uFirst ? first : second)(chromaRegion), half);
+        out.v = scaled((uFirst ? second : first)(chromaRegion), half);
+        return true;
+    }
+    default: return false;
+    }
+}
+
 }  // namespace
+
+QImage VextilVideoFrameMapping::scaledRegion(const QVideoFrame &source, QRect region, QSize size)
+{
+    // Even edges and sizes, as the chroma planes need.
+    const cv::Rect r = cv::Rect(region.x() & ~1, region.y() & ~1, region.width() & ~1, region.height() & ~1)
+                       & cv::Rect(0, 0, source.width() & ~1, source.height() & ~1);
+    const cv::Size target(std::max(2, size.width() & ~1), std::max(2, size.height() & ~1));
+    QVideoFrame frame(source);
+    if (r.width < 2 || r.height < 2 || !isYuvFormat(frame.pixelFormat()) || frame.width() % 2 || frame.height() % 2) {
+        const VextilVideoFrameMapping mapping(source);
+        const QImage whole = VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
+        return whole.isNull() ? whole
+                              : whole.copy(region).scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    if (!frame.map(QVideoFrame::ReadOnly))
+        return {};
+    SmallPlanes small;
+    QImage image;
+    try {
+        if (smallPlanes(frame, r, target, small)) {
+            if (frame.surfaceFormat().colorRange() == QVideoFrameFormat::ColorRange_Full) {
+                small.y = toVideoRange(small.y, "y");
+                small.u = toVideoRange(small.u, "c");
+                small.v = toVideoRange(small.v, "c");
+            }
+            std::vector<uchar> block;
+            block.reserve(small.y.total() * 3 / 2);
+            appendRows(block, small.y);
+            appendRows(block, small.u);
+            appendRows(block, small.v);
+            image = QImage(target.width, target.height, QImage::Format_RGB32);
+            cv::Mat bgrx(target.height, target.width, CV_8UC4, image.bits(), size_t(image.bytesPerLine()));
+            cv::cvtColor(cv::Mat(target.height * 3 / 2, target.width, CV_8UC1, block.data()), bgrx,
+                         cv::COLOR_YUV2BGRA_I420);
+            if (bgrx.data != image.constBits())
+                image = QImage();
+        }
+    } catch (const cv::Exception &) {
+        image = QImage();
+    }
+    frame.unmap();
+    return image;
+}
 
 bool VextilVideoFrameMapping::isDirectFormat(QVideoFrameFormat::PixelFormat format)
 {

@@ -27,6 +27,10 @@ public:
     static bool isDirectFormat(QVideoFrameFormat::PixelFormat format);
     /// True for the YUV formats converted from their planes.
     static bool isYuvFormat(QVideoFrameFormat::PixelFormat format);
+    /// `region` of the frame scaled to `size`, as Format_RGB32: for the YUV formats, the region of
+    /// each plane is scaled before the colours are converted, so a small copy costs little
+    /// whatever the frame's size. Null when the frame cannot be read.
+    static QImage scaledRegion(const QVideoFrame &frame, QRect region, QSize size);
 
 private:
     QVideoFrame m_frame;

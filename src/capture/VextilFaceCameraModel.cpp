@@ -29,12 +29,9 @@ VextilFaceCameraModel::VextilFaceCameraModel(QObject *parent)
 
 VextilFaceCameraModel::VextilFaceCameraModel(std::shared_ptr<VextilFaceDetector> detector, VextilClock clock,
                                              QObject *parent)
-    : QObject(parent),
-      m_facesArray(std::make_shared<QList<QImage>>()),
-      m_faceDetector(std::move(detector)),
+    : QObject(parent), m_facesArray(std::make_shared<QList<QImage>>()), m_faceDetector(std::move(detector)),
       m_smileJudge(std::make_unique<VextilSmileJudge>()),
-      m_clock(clock ? std::move(clock) : VextilClock(&std::chrono::steady_clock::now)),
-      m_lastFrameDate(kNoDate)
+      m_clock(clock ? std::move(clock) : VextilClock(&std::chrono::steady_clock::now)), m_lastFrameDate(kNoDate)
 {
     // The smiling array is made by the first reset only: the camera screen always resets the
     // model before frames flow, and until then a capture cannot complete.
@@ -64,6 +61,11 @@ bool VextilFaceCameraModel::isFaceNearEnough(const VextilFaceFeature &face, cons
 
 void VextilFaceCameraModel::processFace(const QImage &image)
 {
+    processFace(image, [&image] { return image; });
+}
+
+void VextilFaceCameraModel::processFace(const QImage &image, const std::function<QImage()> &keep)
+{
     bool idle = false;
     if (!m_isProcessing.compare_exchange_strong(idle, true))
         return;
@@ -85,15 +87,9 @@ void VextilFaceCameraModel::processFace(const QImage &image)
         face.hasSmile = m_smileJudge->isSmiling(face, state != VextilFaceCaptureStateAwaitingSmile);
     }
     switch (state) {
-    case VextilFaceCaptureStateLookingForFace:
-        lookingForFace(face, image);
-        break;
-    case VextilFaceCaptureStateCollectingFaces:
-        collectingFaces(face, image);
-        break;
-    case VextilFaceCaptureStateAwaitingSmile:
-        awaitingSmile(face, image);
-        break;
+    case VextilFaceCaptureStateLookingForFace: lookingForFace(face, keep); break;
+    case VextilFaceCaptureStateCollectingFaces: collectingFaces(face, keep); break;
+    case VextilFaceCaptureStateAwaitingSmile: awaitingSmile(face, keep); break;
     }
 }
 
@@ -112,23 +108,24 @@ void VextilFaceCameraModel::noFace()
     m_hasFaceInLastFrame = false;
 }
 
-void VextilFaceCameraModel::lookingForFace(const VextilFaceFeature &face, const QImage &image)
+void VextilFaceCameraModel::lookingForFace(const VextilFaceFeature &face, const std::function<QImage()> &keep)
 {
     if (face.hasSmile) {
         askToRelax();  // a smile now would make neutral images of a smile: the capture waits
     } else {
         m_hasFaceInLastFrame = true;
+        const QImage kept = keep();  // made outside the lock: a whole frame takes a while
         {
             QMutexLocker lock(&m_mutex);
             if (m_facesArray)
-                m_facesArray->append(image);
+                m_facesArray->append(kept);
         }
         setUItoState(VextilFaceCaptureStateCollectingFaces);
     }
     stampClock();
 }
 
-void VextilFaceCameraModel::collectingFaces(const VextilFaceFeature &face, const QImage &image)
+void VextilFaceCameraModel::collectingFaces(const VextilFaceFeature &face, const std::function<QImage()> &keep)
 {
     if (face.hasSmile) {
         // The first smiling frame only clears the flag; a second before a new neutral image
@@ -148,28 +145,30 @@ void VextilFaceCameraModel::collectingFaces(const VextilFaceFeature &face, const
         return;
     stampClock();
     m_hasFaceInLastFrame = true;
+    const QImage kept = keep();
     qsizetype count = 0;
     {
         QMutexLocker lock(&m_mutex);
         if (m_facesArray) {
-            m_facesArray->append(image);
+            m_facesArray->append(kept);
             count = m_facesArray->size();
         }
     }
     setUItoState(count < kNeutralImages ? VextilFaceCaptureStateCollectingFaces : VextilFaceCaptureStateAwaitingSmile);
 }
 
-void VextilFaceCameraModel::awaitingSmile(const VextilFaceFeature &face, const QImage &image)
+void VextilFaceCameraModel::awaitingSmile(const VextilFaceFeature &face, const std::function<QImage()> &keep)
 {
     if (!face.hasSmile || !secondHasPassed())
         return;
     stampClock();
+    const QImage kept = keep();
     qsizetype count = 0;
     {
         QMutexLocker lock(&m_mutex);
         if (!m_facesSmileArray)
             return;
-        m_facesSmileArray->append(image);
+        m_facesSmileArray->append(kept);
         count = m_facesSmileArray->size();
     }
     // Exactly two: a third smile collected before the screen closes never completes again.
@@ -203,10 +202,7 @@ bool VextilFaceCameraModel::secondHasPassed() const
     return elapsed >= kPacing;
 }
 
-void VextilFaceCameraModel::stampClock()
-{
-    m_lastFrameDate = m_clock().time_since_epoch().count();
-}
+void VextilFaceCameraModel::stampClock() { m_lastFrameDate = m_clock().time_since_epoch().count(); }
 
 int VextilFaceCameraModel::neutralCount() const
 {
@@ -274,17 +270,14 @@ void VextilFaceCameraModel::runOnStateQueue(std::function<void()> work)
         VextilMainQueue::dispatchAsync(this, std::move(work));
 }
 
-void VextilFaceCameraModel::clearData()
-{
-    VextilRepository::sharedInstance()->resetFaceImages();
-}
+void VextilFaceCameraModel::clearData() { VextilRepository::sharedInstance()->resetFaceImages(); }
 
-QString VextilFaceCameraModel::getFirstMessageText() const
-{
-    return VextilTexts::tr("Looking for face");
-}
+QString VextilFaceCameraModel::getFirstMessageText() const { return VextilTexts::tr("Looking for face"); }
 
-VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesArray() const { return readLocked(m_mutex, m_facesArray); }
+VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesArray() const
+{
+    return readLocked(m_mutex, m_facesArray);
+}
 void VextilFaceCameraModel::setFacesArray(ImageArray array) { writeLocked(m_mutex, m_facesArray, std::move(array)); }
 
 VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesSmileArray() const
@@ -292,7 +285,10 @@ VextilFaceCameraModel::ImageArray VextilFaceCameraModel::facesSmileArray() const
     return readLocked(m_mutex, m_facesSmileArray);
 }
 
-void VextilFaceCameraModel::setFacesSmileArray(ImageArray array) { writeLocked(m_mutex, m_facesSmileArray, std::move(array)); }
+void VextilFaceCameraModel::setFacesSmileArray(ImageArray array)
+{
+    writeLocked(m_mutex, m_facesSmileArray, std::move(array));
+}
 
 std::optional<VextilTimePoint> VextilFaceCameraModel::lastFrameDate() const
 {

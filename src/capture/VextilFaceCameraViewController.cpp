@@ -17,7 +17,12 @@
 #include <QCoreApplication>
 #include <QPushButton>
 
+#include <algorithm>
+
 namespace {
+// The longer side of the copy the model judges and the preview shows: the view's own pixels,
+// within these bounds. Faces fill much of the view, and the networks read a fraction of it.
+constexpr int kSmallestAnalysedSide = 720, kLargestAnalysedSide = 1080;
 qint64 nowNs() { return std::chrono::steady_clock::now().time_since_epoch().count(); }
 }  // namespace
 
@@ -125,6 +130,8 @@ void VextilFaceCameraViewController::setupConstraints()
     m_faceProgressBoxView->setGeometry(box.toRect());
     m_faceCameraView->setGeometry(
         VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).bottom(box.top()).pixels());
+    const QSize shown = m_faceCameraView->size() * devicePixelRatioF();
+    m_analysedSide = std::clamp(std::max(shown.width(), shown.height()), kSmallestAnalysedSide, kLargestAnalysedSide);
     if (m_model && m_faceCameraView->isVisible())
         m_model->setViewSize(QSizeF(m_faceCameraView->size()));
 }
@@ -187,12 +194,14 @@ void VextilFaceCameraViewController::captureOutput(const VextilCameraFrame &fram
 {
     if (m_isPresentingTutorial || !m_model)
         return;  // ignored, so never converted
-    // What the user sees is what the model judges and the store keeps: upright, cropped to the view.
-    const QImage upright = VextilUprightFrame::image(frame, m_model->viewSize());
-    if (upright.isNull())
+    // What the user sees is what the model judges and the store keeps: upright, cropped to the
+    // view. The model judges a small copy; the whole picture is made only for a frame it keeps.
+    const QSizeF view = m_model->viewSize();
+    const QImage analysed = VextilUprightFrame::scaledImage(frame, view, m_analysedSide);
+    if (analysed.isNull())
         return;
-    showFrame(upright);
-    m_model->processFace(upright);
+    showFrame(analysed);
+    m_model->processFace(analysed, [&frame, view] { return VextilUprightFrame::image(frame, view); });
 }
 
 void VextilFaceCameraViewController::showFrame(const QImage &frame)

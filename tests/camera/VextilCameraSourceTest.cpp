@@ -30,6 +30,18 @@ cv::Mat filmed(const QString &photo)
     return scaled(cv::Rect((scaled.cols - kWidth) / 2, (scaled.rows - kHeight) / 2, kWidth, kHeight)).clone();
 }
 
+void expectNear(const QImage &image, const cv::Mat &expectedRgb, const char *what)
+{
+    ASSERT_EQ(image.size(), QSize(expectedRgb.cols, expectedRgb.rows)) << what;
+    const QImage rgb = image.convertToFormat(QImage::Format_RGB888);
+    const cv::Mat got(rgb.height(), rgb.width(), CV_8UC3, const_cast<uchar *>(rgb.constBits()), rgb.bytesPerLine());
+    cv::Mat difference;
+    cv::absdiff(got, expectedRgb, difference);
+    const cv::Scalar mean = cv::mean(difference);
+    for (int channel = 0; channel < 3; ++channel)
+        EXPECT_LT(mean[channel], 8.0) << what << ", channel " << channel << ": colours or layout wrong";
+}
+
 class LiveCameraFormat : public ::testing::TestWithParam<const char *> {};
 
 TEST_P(LiveCameraFormat, FramesConvertToWhatTheCameraFilmsAndStopMeansStopped)
@@ -40,10 +52,13 @@ TEST_P(LiveCameraFormat, FramesConvertToWhatTheCameraFilmsAndStopMeansStopped)
     ASSERT_TRUE(camera->isAvailable());
     std::atomic<int> frames{0};
     std::mutex mutex;
-    QImage image;
+    QImage image, small;
+    // The middle half of the frame at half size, made from the planes before the whole image.
+    const QRect middle(kWidth / 4, 0, kWidth / 2, kHeight);
     camera->setFrameHandler([&](const VextilCameraFrame &frame) {
         if (++frames == 3) {
             const std::lock_guard lock(mutex);
+            small = frame.scaledRegion(middle, middle.size() / 2);
             image = frame.image();
         }
     });
@@ -53,16 +68,12 @@ TEST_P(LiveCameraFormat, FramesConvertToWhatTheCameraFilmsAndStopMeansStopped)
     {
         const std::lock_guard lock(mutex);
         ASSERT_EQ(image.size(), QSize(kWidth, kHeight));
-        const QImage rgb = image.convertToFormat(QImage::Format_RGB888);
-        const cv::Mat got =
-            cv::Mat(rgb.height(), rgb.width(), CV_8UC3, const_cast<uchar *>(rgb.constBits()), rgb.bytesPerLine());
-        cv::Mat expected;
+        cv::Mat expected, expectedSmall;
         cv::cvtColor(filmed(photo), expected, cv::COLOR_BGR2RGB);
-        cv::Mat difference;
-        cv::absdiff(got, expected, difference);
-        const cv::Scalar mean = cv::mean(difference);
-        for (int channel = 0; channel < 3; ++channel)
-            EXPECT_LT(mean[channel], 8.0) << "channel " << channel << ": colours or layout wrong";
+        cv::resize(expected(cv::Rect(middle.x(), middle.y(), middle.width(), middle.height())), expectedSmall,
+                   cv::Size(middle.width() / 2, middle.height() / 2), 0, 0, cv::INTER_AREA);
+        expectNear(image, expected, "whole frame");
+        expectNear(small, expectedSmall, "small copy of a region");
     }
 
     camera->stop();
