@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 QRect VextilUprightFrame::visibleRegion(QSize upright, QSizeF viewSize)
 {
@@ -46,14 +47,5 @@ QImage VextilUprightFrame::scaledImage(const VextilCameraFrame &frame, QSizeF vi
 
 QImage VextilUprightFrame::image(const VextilCameraFrame &frame, QSizeF viewSize)
 {
-    const QImage stored = frame.image();
-    if (stored.isNull())
-        return {};
-    const int rotation = frame.rotation();
-    const QSize upright = rotation % 180 ? stored.size().transposed() : stored.size();
-    const QRect visible = visibleRegion(upright, viewSize);
-    if (rotation == 0 && visible.size() == stored.size())
-        return stored;
-    const QImage region = stored.copy(storedRegion(visible, stored.size(), rotation));
-    return rotation == 0 ? region : region.transformed(QTransform().rotate(rotation));
+    return scaledImage(frame, viewSize, std::numeric_limits<int>::max());
 }

@@ -12,6 +12,7 @@
 class VextilUprightFrame {
 public:
     /// The upright, cropped picture; a null image for a null frame. An empty view crops nothing.
+    /// Only the region is converted, where the frame's source allows.
     static QImage image(const VextilCameraFrame &frame, QSizeF viewSize);
     /// The same picture scaled down so that its longer side is at most `longestSide`, made from
     /// the frame's own pixels where the source allows (see VextilCameraFrame::scaledRegion).

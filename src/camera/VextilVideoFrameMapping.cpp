@@ -122,25 +122,24 @@ bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
     }
 }
 
-// The region's luma and chroma planes, scaled to `size` and size / 2: U and V apart.
+// The region's luma and chroma planes, scaled to `size` and size / 2 (U and V apart), and the
+// buffers they are made in. Kept per thread: frames of one size follow each other, and fresh
+// megabyte buffers cost more in page faults than the scaling itself.
 struct SmallPlanes {
     cv::Mat y, u, v;
+    cv::Mat luma, chroma, interleaved, pair[2];
+    std::vector<uchar> block;
 };
 
-cv::Mat scaled(const cv::Mat &plane, cv::Size size)
-{
-    cv::Mat out;
-    cv::resize(plane, out, size, 0, 0, cv::INTER_LINEAR);
-    return out;
-}
+void scale(const cv::Mat &plane, cv::Mat &out, cv::Size size) { cv::resize(plane, out, size, 0, 0, cv::INTER_LINEAR); }
 
-// Interleaved chroma (U then V) scaled and split.
+// Interleaved chroma (U then V, or V then U) scaled and split.
 void splitChroma(const cv::Mat &interleaved, cv::Size size, bool uFirst, SmallPlanes &out)
 {
-    cv::Mat pair[2];
-    cv::split(scaled(interleaved, size), pair);
-    out.u = pair[uFirst ? 0 : 1];
-    out.v = pair[uFirst ? 1 : 0];
+    scale(interleaved, out.interleaved, size);
+    cv::split(out.interleaved, out.pair);
+    out.u = out.pair[uFirst ? 0 : 1];
+    out.v = out.pair[uFirst ? 1 : 0];
 }
 
 bool smallPlanes(const QVideoFrame &frame, const cv::Rect &r, cv::Size size, SmallPlanes &out)
@@ -156,11 +155,10 @@ bool smallPlanes(const QVideoFrame &frame, const cv::Rect &r, cv::Size size, Sma
             return false;
         // One channel is luma; the other alternates U and V, read as pairs at half width.
         const bool yFirst = format == QVideoFrameFormat::Format_YUYV;
-        cv::Mat luma, chroma;
-        cv::extractChannel(packed(r), luma, yFirst ? 0 : 1);
-        cv::extractChannel(packed(r), chroma, yFirst ? 1 : 0);
-        out.y = scaled(luma, size);
-        splitChroma(chroma.reshape(2), half, true, out);
+        cv::extractChannel(packed(r), out.luma, yFirst ? 0 : 1);
+        cv::extractChannel(packed(r), out.chroma, yFirst ? 1 : 0);
+        scale(out.luma, out.y, size);
+        splitChroma(out.chroma.reshape(2), half, true, out);
         return true;
     }
     case QVideoFrameFormat::Format_NV12:
@@ -168,7 +166,7 @@ bool smallPlanes(const QVideoFrame &frame, const cv::Rect &r, cv::Size size, Sma
         const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), chroma = planeOf(frame, 1, w / 2, h / 2, CV_8UC2);
         if (luma.empty() || chroma.empty())
             return false;
-        out.y = scaled(luma(r), size);
+        scale(luma(r), out.y, size);
         splitChroma(chroma(r2), half, format == QVideoFrameFormat::Format_NV12, out);
         return true;
     }
@@ -183,9 +181,9 @@ bool smallPlanes(const QVideoFrame &frame, const cv::Rect &r, cv::Size size, Sma
             return false;
         const cv::Rect chromaRegion = planar422 ? rows : r2;
         const bool uFirst = format != QVideoFrameFormat::Format_YV12;
-        out.y = scaled(luma(r), size);
-        out.u = scaled((uFirst ? first : second)(chromaRegion), half);
-        out.v = scaled((uFirst ? second : first)(chromaRegion), half);
+        scale(luma(r), out.y, size);
+        scale((uFirst ? first : second)(chromaRegion), out.u, half);
+        scale((uFirst ? second : first)(chromaRegion), out.v, half);
         return true;
     }
     default: return false;
@@ -209,7 +207,7 @@ QImage VextilVideoFrameMapping::scaledRegion(const QVideoFrame &source, QRect re
     }
     if (!frame.map(QVideoFrame::ReadOnly))
         return {};
-    SmallPlanes small;
+    thread_local SmallPlanes small;
     QImage image;
     try {
         if (smallPlanes(frame, r, target, small)) {
@@ -218,8 +216,8 @@ QImage VextilVideoFrameMapping::scaledRegion(const QVideoFrame &source, QRect re
                 small.u = toVideoRange(small.u, "c");
                 small.v = toVideoRange(small.v, "c");
             }
-            std::vector<uchar> block;
-            block.reserve(small.y.total() * 3 / 2);
+            std::vector<uchar> &block = small.block;
+            block.clear();
             appendRows(block, small.y);
             appendRows(block, small.u);
             appendRows(block, small.v);
