@@ -100,18 +100,7 @@ void cameraFormats(const QImage &scene)
         cv::resize(bgr, bgr, cv::Size(size.width(), size.height()));
         for (const auto &[name, format] : formats) {
             const QVideoFrame frame = yuvFrame(bgr, format, std::string(name) == "JPEG");
-            // As the camera source hands frames on: whole image and small copies made on demand.
-            const auto cameraFrame = [&frame] {
-                return VextilCameraFrame(
-                    frame.size(),
-                    [frame] {
-                        const VextilVideoFrameMapping mapping(frame);
-                        return VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
-                    },
-                    [frame](QRect region, QSize size) {
-                        return VextilVideoFrameMapping::scaledRegion(frame, region, size);
-                    });
-            };
+            const auto cameraFrame = [&frame] { return VextilVideoFrameMapping::cameraFrame(frame); };
             std::vector<double> analysed, kept;
             // Apart: most frames are only analysed, and the kept ones' large buffers would disturb them.
             for (int i = 0; i < 100; ++i)

@@ -1,7 +1,4 @@
 #include "camera/VextilCameraSource.h"
-
-#include <VextilToolkit/VextilImageBuffer.h>
-
 #include "camera/VextilCameraFormatChoice.h"
 #include "camera/VextilVideoFrameMapping.h"
 
@@ -78,18 +75,7 @@ void VextilCameraSource::open()
     // only if the capture keeps it.
     QObject::connect(
         m_sink.get(), &QVideoSink::videoFrameChanged, m_sink.get(),
-        [this](const QVideoFrame &frame) {
-            deliver(VextilCameraFrame(
-                frame.size(),
-                [frame] {
-                    const VextilVideoFrameMapping mapping(frame);
-                    return VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
-                },
-                [frame](QRect region, QSize size) {
-                    return VextilVideoFrameMapping::scaledRegion(frame, region, size);
-                },
-                int(frame.rotationAngle()), frame.mirrored()));
-        },
+        [this](const QVideoFrame &frame) { deliver(VextilVideoFrameMapping::cameraFrame(frame)); },
         Qt::DirectConnection);
 }
 

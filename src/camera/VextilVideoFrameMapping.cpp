@@ -235,6 +235,18 @@ QImage VextilVideoFrameMapping::scaledRegion(const QVideoFrame &source, QRect re
     return image;
 }
 
+VextilCameraFrame VextilVideoFrameMapping::cameraFrame(const QVideoFrame &frame)
+{
+    return VextilCameraFrame(
+        frame.size(),
+        [frame] {
+            const VextilVideoFrameMapping mapping(frame);
+            return VextilImageBuffer::imageFromSampleBuffer(mapping.sampleBuffer());
+        },
+        [frame](QRect region, QSize size) { return scaledRegion(frame, region, size); }, int(frame.rotationAngle()),
+        frame.mirrored());
+}
+
 bool VextilVideoFrameMapping::isDirectFormat(QVideoFrameFormat::PixelFormat format)
 {
     // Qt names video formats by byte order; the image side reads 32-bit words, so the two

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <VextilToolkit/VextilCameraFrame.h>
 #include <VextilToolkit/VextilSampleBuffer.h>
 
 #include <QImage>
@@ -31,6 +32,9 @@ public:
     /// each plane is scaled before the colours are converted, so a small copy costs little
     /// whatever the frame's size. Null when the frame cannot be read.
     static QImage scaledRegion(const QVideoFrame &frame, QRect region, QSize size);
+    /// The frame as the capture takes it: whole image and small copies made on demand, turned
+    /// and mirrored as Qt reports.
+    static VextilCameraFrame cameraFrame(const QVideoFrame &frame);
 
 private:
     QVideoFrame m_frame;
