@@ -1,4 +1,5 @@
 #include "camera/VextilCameraSource.h"
+
 #include "camera/VextilCameraFormatChoice.h"
 #include "camera/VextilVideoFrameMapping.h"
 
