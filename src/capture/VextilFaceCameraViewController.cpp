@@ -277,6 +277,7 @@ void VextilFaceCameraViewController::checkAuthorization()
     case VextilCameraAuthorization::Authorized: return;
     case VextilCameraAuthorization::Restricted: dismissController(false); return;
     case VextilCameraAuthorization::NotDetermined: {
+        m_watchdog->rest();  // no frames until the user answers; watched again once granted
         QPointer<VextilFaceCameraViewController> self(this);
         VextilCameraAuthorization::requestAccess([self](bool granted) {
             // The answer may come on any thread; the screen's work belongs on the GUI thread.
