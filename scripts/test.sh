@@ -12,6 +12,7 @@ if [ "${1:-}" = "--sanitize" ]; then
   # Memory handled inside uninstrumented libraries (Qt, OpenCV) is judged by their own locks;
   # tests start the reference server (fork and exec) from a process that already has threads.
   export TSAN_OPTIONS="suppressions=$root/tests/tsan.supp ignore_noninstrumented_modules=1 die_after_fork=0 ${TSAN_OPTIONS:-}"
+  export LSAN_OPTIONS="suppressions=$root/tests/lsan.supp ${LSAN_OPTIONS:-}"
 fi
 
 "$root/scripts/build.sh" "$build" "${cmake_args[@]}"

@@ -21,6 +21,9 @@ struct FakeCamera {
         qputenv("QT_MEDIA_BACKEND", "gstreamer");
         qputenv("GST_PLUGIN_PATH", VEXTIL_FAKE_CAMERA_DIR);
         qputenv("GST_REGISTRY", VEXTIL_GST_REGISTRY);
+        // Plugins load in this process, not in GStreamer's scanner: a sanitized build's plugin
+        // cannot load into the scanner, which then leaves it out of the registry for good.
+        qputenv("GST_REGISTRY_FORK", "no");
         qputenv("VEXTIL_FAKE_CAMERA_SOURCE", source.toUtf8());
         qputenv("VEXTIL_FAKE_CAMERA_FORMATS", formats);
         qputenv("VEXTIL_FAKE_CAMERA_SIZES", sizes);
