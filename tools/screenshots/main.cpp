@@ -9,6 +9,7 @@
 #include <VextilToolkit/VextilToolkitSettings.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
 
+#include "capture/VextilCameraWatchdog.h"
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBoxView.h"
 #include "core/VextilTexts.h"
@@ -86,7 +87,8 @@ int main(int argc, char **argv)
     options.addHelpOption();
     options.addOption({QStringLiteral("out"), QStringLiteral("Folder for the PNG files."), QStringLiteral("dir"),
                        QStringLiteral("screenshots")});
-    options.addOption({QStringLiteral("locale"), QStringLiteral("Language of the texts (de, es, pt_BR)."), QStringLiteral("name")});
+    options.addOption(
+        {QStringLiteral("locale"), QStringLiteral("Language of the texts (de, es, pt_BR)."), QStringLiteral("name")});
     options.process(app);
     QString language;
     if (options.isSet(QStringLiteral("locale"))) {
@@ -119,6 +121,13 @@ int main(int argc, char **argv)
         relax.box->updateInstructionsLabelWithText(VextilTexts::tr("Relax your face"));
         CameraScreen::settle();
         ok &= save(relax.screen, out, QStringLiteral("camera-relax") + suffix);
+
+        // No camera at all: nothing to preview, and the screen says so.
+        CameraScreen missing(size, QImage());
+        missing.box->updateInstructionsLabelWithText(
+            VextilCameraWatchdog::message(VextilCameraWatchdog::Health::NoCamera));
+        CameraScreen::settle();
+        ok &= save(missing.screen, out, QStringLiteral("camera-no-camera") + suffix);
 
         CameraScreen smile(size, smiling);
         smile.camera->changeMaskState();
