@@ -22,23 +22,22 @@ cv::Mat planeOf(const QVideoFrame &frame, int plane, int width, int height, int 
 }
 
 // Full-range samples (a JPEG camera's decoded frames) squeezed into the video range that
-// OpenCV's conversions read: luma 0-255 to 16-235, chroma 0-255 to 16-240 around 128. `kinds`
-// says, per channel of the plane, whether it holds luma ('y') or chroma ('c').
-cv::Mat toVideoRange(const cv::Mat &plane, const char *kinds)
+// OpenCV's conversions read: luma 0-255 to 16-235, chroma 0-255 to 16-240 around 128.
+cv::Mat rangeTable(bool luma)
 {
-    cv::Mat lut(1, 256, CV_8UC(plane.channels()));
+    cv::Mat table(1, 256, CV_8UC1);
     for (int i = 0; i < 256; ++i)
-        for (int c = 0; c < plane.channels(); ++c)
-            lut.ptr(0)[i * plane.channels() + c] = uchar(
-                kinds[c] == 'y' ? 16 + (i * 219 + 127) / 255 : 128 + ((i - 128) * 224 + (i >= 128 ? 127 : -127)) / 255);
-    cv::Mat squeezed;
-    cv::LUT(plane, lut, squeezed);
-    return squeezed;
+        table.at<uchar>(i) =
+            uchar(luma ? 16 + (i * 219 + 127) / 255 : 128 + ((i - 128) * 224 + (i >= 128 ? 127 : -127)) / 255);
+    return table;
 }
 
-bool allPresent(std::initializer_list<const cv::Mat *> planes)
+cv::Mat toVideoRange(const cv::Mat &plane, bool luma)
 {
-    return std::all_of(planes.begin(), planes.end(), [](const cv::Mat *plane) { return !plane->empty(); });
+    static const cv::Mat lumaTable = rangeTable(true), chromaTable = rangeTable(false);
+    cv::Mat squeezed;
+    cv::LUT(plane, luma ? lumaTable : chromaTable, squeezed);
+    return squeezed;
 }
 
 // Copies the rows of a plane one after the other, without their padding.
@@ -46,80 +45,6 @@ void appendRows(std::vector<uchar> &to, const cv::Mat &plane)
 {
     for (int y = 0; y < plane.rows; ++y)
         to.insert(to.end(), plane.ptr(y), plane.ptr(y) + plane.cols * plane.elemSize());
-}
-
-// The camera's YUV formats converted from their planes with OpenCV (BT.601; full-range frames
-// are first squeezed into the video range), into `bgrx`; false for other formats or sizes they cannot have. Qt's own
-// conversion is slower, and crashes on some of them (planar 4:2:2 in Qt 6.4).
-bool convertYuv(const QVideoFrame &frame, cv::Mat &bgrx)
-{
-    const int w = frame.width(), h = frame.height();
-    const bool full = frame.surfaceFormat().colorRange() == QVideoFrameFormat::ColorRange_Full;
-    const auto plane = [&](int index, int pw, int ph, int type, const char *kinds) {
-        const cv::Mat raw = planeOf(frame, index, pw, ph, type);
-        return full && !raw.empty() ? toVideoRange(raw, kinds) : raw;
-    };
-    if (w < 2 || h < 2 || w % 2 || h % 2)
-        return false;
-    const QVideoFrameFormat::PixelFormat format = frame.pixelFormat();
-    switch (format) {
-    case QVideoFrameFormat::Format_YUYV:
-    case QVideoFrameFormat::Format_UYVY: {
-        const cv::Mat packed = plane(0, w, h, CV_8UC2, format == QVideoFrameFormat::Format_YUYV ? "yc" : "cy");
-        if (!allPresent({&packed}))
-            return false;
-        cv::cvtColor(packed, bgrx,
-                     format == QVideoFrameFormat::Format_YUYV ? cv::COLOR_YUV2BGRA_YUYV : cv::COLOR_YUV2BGRA_UYVY);
-        return true;
-    }
-    case QVideoFrameFormat::Format_NV12:
-    case QVideoFrameFormat::Format_NV21: {
-        const cv::Mat luma = plane(0, w, h, CV_8UC1, "y"), chroma = plane(1, w / 2, h / 2, CV_8UC2, "cc");
-        if (!allPresent({&luma, &chroma}))
-            return false;
-        cv::cvtColorTwoPlane(luma, chroma, bgrx,
-                             format == QVideoFrameFormat::Format_NV12 ? cv::COLOR_YUV2BGRA_NV12
-                                                                      : cv::COLOR_YUV2BGRA_NV21);
-        return true;
-    }
-    case QVideoFrameFormat::Format_YUV420P:
-    case QVideoFrameFormat::Format_YV12: {
-        const cv::Mat luma = plane(0, w, h, CV_8UC1, "y"), first = plane(1, w / 2, h / 2, CV_8UC1, "c"),
-                      second = plane(2, w / 2, h / 2, CV_8UC1, "c");
-        if (!allPresent({&luma, &first, &second}))
-            return false;
-        // OpenCV reads the three planes from one block, each plane's rows without padding.
-        std::vector<uchar> block;
-        block.reserve(size_t(w) * size_t(h) * 3 / 2);
-        appendRows(block, luma);
-        appendRows(block, first);
-        appendRows(block, second);
-        cv::cvtColor(cv::Mat(h * 3 / 2, w, CV_8UC1, block.data()), bgrx,
-                     format == QVideoFrameFormat::Format_YUV420P ? cv::COLOR_YUV2BGRA_I420 : cv::COLOR_YUV2BGRA_YV12);
-        return true;
-    }
-    case QVideoFrameFormat::Format_YUV422P: {
-        const cv::Mat luma = plane(0, w, h, CV_8UC1, "y"), u = plane(1, w / 2, h, CV_8UC1, "c"),
-                      v = plane(2, w / 2, h, CV_8UC1, "c");
-        if (!allPresent({&luma, &u, &v}))
-            return false;
-        // Interleaved into YUYV, which OpenCV converts.
-        cv::Mat yuyv(h, w, CV_8UC2);
-        for (int y = 0; y < h; ++y) {
-            uchar *out = yuyv.ptr(y);
-            const uchar *ly = luma.ptr(y), *lu = u.ptr(y), *lv = v.ptr(y);
-            for (int x = 0; x < w / 2; ++x) {
-                out[4 * x] = ly[2 * x];
-                out[4 * x + 1] = lu[x];
-                out[4 * x + 2] = ly[2 * x + 1];
-                out[4 * x + 3] = lv[x];
-            }
-        }
-        cv::cvtColor(yuyv, bgrx, cv::COLOR_YUV2BGRA_YUYV);
-        return true;
-    }
-    default: return false;
-    }
 }
 
 // The region's luma and chroma planes, scaled to `size` and size / 2 (U and V apart), and the
@@ -212,9 +137,9 @@ QImage VextilVideoFrameMapping::scaledRegion(const QVideoFrame &source, QRect re
     try {
         if (smallPlanes(frame, r, target, small)) {
             if (frame.surfaceFormat().colorRange() == QVideoFrameFormat::ColorRange_Full) {
-                small.y = toVideoRange(small.y, "y");
-                small.u = toVideoRange(small.u, "c");
-                small.v = toVideoRange(small.v, "c");
+                small.y = toVideoRange(small.y, true);
+                small.u = toVideoRange(small.u, false);
+                small.v = toVideoRange(small.v, false);
             }
             std::vector<uchar> &block = small.block;
             block.clear();
@@ -282,23 +207,11 @@ VextilVideoFrameMapping::VextilVideoFrameMapping(const QVideoFrame &frame) : m_f
         return;
     }
     if (isYuvFormat(m_frame.pixelFormat())) {
-        if (!m_frame.map(QVideoFrame::ReadOnly))
-            return;
-        m_converted = QImage(m_frame.width(), m_frame.height(), QImage::Format_RGB32);
-        cv::Mat bgrx(m_converted.height(), m_converted.width(), CV_8UC4, m_converted.bits(),
-                     size_t(m_converted.bytesPerLine()));
-        bool converted = false;
-        try {
-            converted = convertYuv(m_frame, bgrx);
-        } catch (const cv::Exception &) {
-            converted = false;  // a frame OpenCV cannot read is no frame; nothing is thrown on
-        }
-        m_frame.unmap();
-        // cvtColor writes into the image's own memory, unless the sizes disagreed.
-        if (!converted || bgrx.data != m_converted.constBits()) {
-            m_converted = QImage();
-            return;
-        }
+        // The whole frame through the same path as its small copies; odd sizes cannot hold
+        // the chroma planes and give no image.
+        const QSize size = m_frame.size();
+        if (size.width() % 2 == 0 && size.height() % 2 == 0)
+            m_converted = scaledRegion(m_frame, QRect(QPoint(0, 0), size), size);
     } else {
         m_converted = m_frame.toImage().convertToFormat(QImage::Format_RGB32);
     }

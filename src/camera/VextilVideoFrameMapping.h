@@ -8,7 +8,9 @@
 
 /// Presents a Qt Multimedia video frame as a sample buffer for the frame conversion.
 /// BGRA and BGRx frames are mapped and read as they are; the cameras' YUV formats (YUYV, UYVY,
-/// NV12, NV21, I420, YV12, planar 4:2:2) are converted from their planes with OpenCV; any other
+/// NV12, NV21, I420, YV12, planar 4:2:2) are converted from their planes with OpenCV, through
+/// scaledRegion (Qt's own conversion is slower, and crashes on planar 4:2:2 in Qt 6.4; 4:2:2
+/// chroma is read at half height, as 4:2:0 holds it); any other
 /// pixel format goes through Qt's own conversion. The buffer is valid while this object lives.
 class VextilVideoFrameMapping {
 public:
