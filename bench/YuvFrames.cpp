@@ -32,6 +32,10 @@ QVideoFrame yuvFrame(const cv::Mat &bgr, QVideoFrameFormat::PixelFormat format, 
 {
     QVideoFrameFormat layout(QSize(bgr.cols, bgr.rows), format);
     layout.setColorRange(fullRange ? QVideoFrameFormat::ColorRange_Full : QVideoFrameFormat::ColorRange_Video);
+    // As Qt labels a GStreamer camera's frames: JPEG decodes to BT.601, raw HD frames say BT.709
+    // (which costs one more pass); the pixels stay BT.601, which only the timing reads.
+    layout.setColorSpace(fullRange || bgr.rows < 720 ? QVideoFrameFormat::ColorSpace_BT601
+                                                     : QVideoFrameFormat::ColorSpace_BT709);
     QVideoFrame frame(layout);
     if (!frame.map(QVideoFrame::WriteOnly))
         return {};

@@ -346,6 +346,9 @@ int main(int argc, char **argv)
     std::printf("VextilToolkit capture benchmark (one thread, portrait 720x1280)\n");
     conversion();
     cameraFormats(frames.value(frames.size() / 2));
+    // The camera path alone, for quick comparisons of its conversions.
+    if (app.arguments().contains(QStringLiteral("--formats-only")))
+        return 0;
     const std::pair<const char *, Factory> detectors[] = {
         {"cascade", [] { return std::make_shared<VextilCascadeFaceDetector>(); }},
         {"learned", [] { return std::make_shared<VextilLearnedFaceDetector>(); }},

@@ -7,6 +7,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -27,17 +28,149 @@ cv::Mat rangeTable(bool luma)
 {
     cv::Mat table(1, 256, CV_8UC1);
     for (int i = 0; i < 256; ++i)
-        table.at<uchar>(i) =
-            uchar(luma ? 16 + (i * 219 + 127) / 255 : 128 + ((i - 128) * 224 + (i >= 128 ? 127 : -127)) / 255);
+        table.at<uchar>(i) = cv::saturate_cast<uchar>(luma ? 16 + i * 219.0 / 255 : 128 + (i - 128) * 224.0 / 255);
     return table;
 }
 
-cv::Mat toVideoRange(const cv::Mat &plane, bool luma)
+// In place, scaled by OpenCV's vectorised conversion (the same values as the table, rounded).
+void toVideoRange(cv::Mat &plane, bool luma)
 {
-    static const cv::Mat lumaTable = rangeTable(true), chromaTable = rangeTable(false);
-    cv::Mat squeezed;
-    cv::LUT(plane, luma ? lumaTable : chromaTable, squeezed);
-    return squeezed;
+    if (luma)
+        plane.convertTo(plane, CV_8U, 219.0 / 255, 16);
+    else
+        plane.convertTo(plane, CV_8U, 224.0 / 255, 128 - 128 * 224.0 / 255);
+}
+
+// The same squeeze for a four-byte group of packed 4:2:2: luma first (Y U Y V) or chroma first.
+cv::Mat groupTable(bool lumaFirst)
+{
+    const cv::Mat luma = rangeTable(true), chroma = rangeTable(false);
+    cv::Mat table;
+    cv::merge(lumaFirst ? std::vector<cv::Mat>{luma, chroma, luma, chroma} : std::vector<cv::Mat>{chroma, luma, chroma, luma},
+              table);
+    return table;
+}
+
+
+// RGB -> Y Pb Pr for a colour space's luma weights.
+cv::Matx33d yPbPr(double kr, double kb)
+{
+    const double kg = 1 - kr - kb;
+    return {kr, kg, kb, -kr / (2 * (1 - kb)), -kg / (2 * (1 - kb)), 0.5, 0.5, -kg / (2 * (1 - kr)), -kb / (2 * (1 - kr))};
+}
+
+// OpenCV reads YUV as BT.601; HD cameras often send BT.709. The same colour in BT.601 has the
+// same luma plus a little of each chroma, and its chroma mixed linearly, so the planes are
+// re-encoded before OpenCV reads them: in fixed point, row by row, in fixed-length blocks
+// through local copies, which compilers vectorise at -O2.
+class Bt709Recoding
+{
+public:
+    static const Bt709Recoding &instance()
+    {
+        static const Bt709Recoding recoding;
+        return recoding;
+    }
+
+    // Re-encodes a row of chroma in place; `lumaShift` gets what each sample adds to its luma.
+    void chromaRow(uchar *cb, uchar *cr, short *lumaShift, int count) const
+    {
+        int x = 0;
+        for (; x + kBlock <= count; x += kBlock)
+            chroma<kBlock>(cb + x, cr + x, lumaShift + x);
+        for (; x < count; ++x)
+            chroma<1>(cb + x, cr + x, lumaShift + x);
+    }
+
+    // Adds each sample's shift to a row of luma.
+    static void shiftLuma(uchar *luma, const short *shift, int count)
+    {
+        int x = 0;
+        for (; x + kBlock <= count; x += kBlock)
+            shifted<kBlock>(luma + x, shift + x);
+        for (; x < count; ++x)
+            shifted<1>(luma + x, shift + x);
+    }
+
+private:
+    static constexpr int kBits = 12, kHalf = 1 << (kBits - 1), kBlock = 16;
+
+    template<int N>
+    void chroma(uchar *cb, uchar *cr, short *lumaShift) const
+    {
+        int b[N], r[N], shift[N], newCb[N], newCr[N];
+        for (int x = 0; x < N; ++x) {
+            b[x] = cb[x] - 128;
+            r[x] = cr[x] - 128;
+        }
+        for (int x = 0; x < N; ++x) {
+            shift[x] = (m_lumaCb * b[x] + m_lumaCr * r[x] + kHalf) >> kBits;
+            newCb[x] = std::clamp(((m_cbCb * b[x] + m_cbCr * r[x] + kHalf) >> kBits) + 128, 0, 255);
+            newCr[x] = std::clamp(((m_crCb * b[x] + m_crCr * r[x] + kHalf) >> kBits) + 128, 0, 255);
+        }
+        for (int x = 0; x < N; ++x)
+            lumaShift[x] = short(shift[x]);
+        for (int x = 0; x < N; ++x)
+            cb[x] = uchar(newCb[x]);
+        for (int x = 0; x < N; ++x)
+            cr[x] = uchar(newCr[x]);
+    }
+
+    template<int N>
+    static void shifted(uchar *luma, const short *shift)
+    {
+        int sum[N];
+        for (int x = 0; x < N; ++x)
+            sum[x] = std::clamp(luma[x] + shift[x], 0, 255);
+        for (int x = 0; x < N; ++x)
+            luma[x] = uchar(sum[x]);
+    }
+
+    Bt709Recoding()
+    {
+        const cv::Matx33d m = yPbPr(0.299, 0.114) * yPbPr(0.2126, 0.0722).inv();
+        const auto fixed = [](double k) { return int(std::lround(k * (1 << kBits))); };
+        const double luma = 219.0 / 224.0;  // video range: luma spans 219 levels, chroma 224
+        m_lumaCb = fixed(luma * m(0, 1));
+        m_lumaCr = fixed(luma * m(0, 2));
+        m_cbCb = fixed(m(1, 1));
+        m_cbCr = fixed(m(1, 2));
+        m_crCb = fixed(m(2, 1));
+        m_crCr = fixed(m(2, 2));
+    }
+
+    int m_lumaCb, m_lumaCr, m_cbCb, m_cbCr, m_crCb, m_crCr;
+};
+
+// Planes: each chroma sample covers two by two luma samples, as OpenCV's conversion reads it.
+void recodePlanes(cv::Mat &y, cv::Mat &u, cv::Mat &v)
+{
+    const Bt709Recoding &recode = Bt709Recoding::instance();
+    std::vector<short> shift(size_t(u.cols)), wide(size_t(y.cols));
+    for (int row = 0; row < u.rows; ++row) {
+        recode.chromaRow(u.ptr(row), v.ptr(row), shift.data(), u.cols);
+        for (int x = 0; x < u.cols; ++x)
+            wide[size_t(2 * x)] = wide[size_t(2 * x + 1)] = shift[size_t(x)];
+        Bt709Recoding::shiftLuma(y.ptr(2 * row), wide.data(), y.cols);
+        Bt709Recoding::shiftLuma(y.ptr(2 * row + 1), wide.data(), y.cols);
+    }
+}
+
+// Packed groups (Y U Y V or U Y V Y), split into four planes: one chroma pair covers the
+// group's two luma samples.
+void recodeGroups(cv::Mat &groups, bool lumaFirst)
+{
+    const Bt709Recoding &recode = Bt709Recoding::instance();
+    const size_t luma = lumaFirst ? 0 : 1, chroma = 1 - luma;
+    thread_local std::vector<cv::Mat> parts;
+    cv::split(groups, parts);
+    std::vector<short> shift(size_t(groups.cols));
+    for (int row = 0; row < groups.rows; ++row) {
+        recode.chromaRow(parts[chroma].ptr(row), parts[chroma + 2].ptr(row), shift.data(), groups.cols);
+        Bt709Recoding::shiftLuma(parts[luma].ptr(row), shift.data(), groups.cols);
+        Bt709Recoding::shiftLuma(parts[luma + 2].ptr(row), shift.data(), groups.cols);
+    }
+    cv::merge(parts, groups);
 }
 
 // Copies the rows of a plane one after the other, without their padding.
@@ -52,7 +185,7 @@ void appendRows(std::vector<uchar> &to, const cv::Mat &plane)
 // megabyte buffers cost more in page faults than the scaling itself.
 struct SmallPlanes {
     cv::Mat y, u, v;
-    cv::Mat luma, chroma, interleaved, pair[2];
+    cv::Mat interleaved, pair[2];
     std::vector<uchar> block;
 };
 
@@ -73,19 +206,6 @@ bool smallPlanes(const QVideoFrame &frame, const cv::Rect &r, cv::Size size, Sma
     const cv::Size half(size.width / 2, size.height / 2);
     const cv::Rect r2(r.x / 2, r.y / 2, r.width / 2, r.height / 2), rows(r.x / 2, r.y, r.width / 2, r.height);
     switch (const QVideoFrameFormat::PixelFormat format = frame.pixelFormat()) {
-    case QVideoFrameFormat::Format_YUYV:
-    case QVideoFrameFormat::Format_UYVY: {
-        const cv::Mat packed = planeOf(frame, 0, w, h, CV_8UC2);
-        if (packed.empty())
-            return false;
-        // One channel is luma; the other alternates U and V, read as pairs at half width.
-        const bool yFirst = format == QVideoFrameFormat::Format_YUYV;
-        cv::extractChannel(packed(r), out.luma, yFirst ? 0 : 1);
-        cv::extractChannel(packed(r), out.chroma, yFirst ? 1 : 0);
-        scale(out.luma, out.y, size);
-        splitChroma(out.chroma.reshape(2), half, true, out);
-        return true;
-    }
     case QVideoFrameFormat::Format_NV12:
     case QVideoFrameFormat::Format_NV21: {
         const cv::Mat luma = planeOf(frame, 0, w, h, CV_8UC1), chroma = planeOf(frame, 1, w / 2, h / 2, CV_8UC2);
@@ -115,6 +235,28 @@ bool smallPlanes(const QVideoFrame &frame, const cv::Rect &r, cv::Size size, Sma
     }
 }
 
+// Packed 4:2:2 (YUYV, UYVY): each pair of pixels is one four-byte group, so the region is scaled
+// as groups at half width and converted in one pass, without splitting the planes first.
+bool scalePacked(const QVideoFrame &frame, const cv::Rect &r, cv::Size size, bool fullRange, bool bt709, QImage &image)
+{
+    const cv::Mat groups = planeOf(frame, 0, frame.width() / 2, frame.height(), CV_8UC4);
+    if (groups.empty())
+        return false;
+    thread_local cv::Mat scaled;
+    scale(groups(cv::Rect(r.x / 2, r.y, r.width / 2, r.height)), scaled, cv::Size(size.width / 2, size.height));
+    const bool yuyv = frame.pixelFormat() == QVideoFrameFormat::Format_YUYV;
+    if (fullRange) {
+        static const cv::Mat tables[2] = {groupTable(true), groupTable(false)};
+        cv::LUT(scaled, tables[yuyv ? 0 : 1], scaled);
+    }
+    if (bt709)
+        recodeGroups(scaled, yuyv);
+    image = QImage(size.width, size.height, QImage::Format_RGB32);
+    cv::Mat bgrx(size.height, size.width, CV_8UC4, image.bits(), size_t(image.bytesPerLine()));
+    cv::cvtColor(scaled.reshape(2), bgrx, yuyv ? cv::COLOR_YUV2BGRA_YUYV : cv::COLOR_YUV2BGRA_UYVY);
+    return bgrx.data == image.constBits();
+}
+
 }  // namespace
 
 QImage VextilVideoFrameMapping::scaledRegion(const QVideoFrame &source, QRect region, QSize size)
@@ -134,13 +276,23 @@ QImage VextilVideoFrameMapping::scaledRegion(const QVideoFrame &source, QRect re
         return {};
     thread_local SmallPlanes small;
     QImage image;
+    const bool fullRange = frame.surfaceFormat().colorRange() == QVideoFrameFormat::ColorRange_Full;
+    const bool bt709 =
+        r.size() == target && frame.surfaceFormat().colorSpace() == QVideoFrameFormat::ColorSpace_BT709;
+    const bool packed = frame.pixelFormat() == QVideoFrameFormat::Format_YUYV
+                        || frame.pixelFormat() == QVideoFrameFormat::Format_UYVY;
     try {
-        if (smallPlanes(frame, r, target, small)) {
-            if (frame.surfaceFormat().colorRange() == QVideoFrameFormat::ColorRange_Full) {
-                small.y = toVideoRange(small.y, true);
-                small.u = toVideoRange(small.u, false);
-                small.v = toVideoRange(small.v, false);
+        if (packed) {
+            if (!scalePacked(frame, r, target, fullRange, bt709, image))
+                image = QImage();
+        } else if (smallPlanes(frame, r, target, small)) {
+            if (fullRange) {
+                toVideoRange(small.y, true);
+                toVideoRange(small.u, false);
+                toVideoRange(small.v, false);
             }
+            if (bt709)
+                recodePlanes(small.y, small.u, small.v);
             std::vector<uchar> &block = small.block;
             block.clear();
             appendRows(block, small.y);

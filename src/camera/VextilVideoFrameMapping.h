@@ -32,7 +32,10 @@ public:
     static bool isYuvFormat(QVideoFrameFormat::PixelFormat format);
     /// `region` of the frame scaled to `size`, as Format_RGB32: for the YUV formats, the region of
     /// each plane is scaled before the colours are converted, so a small copy costs little
-    /// whatever the frame's size. Null when the frame cannot be read.
+    /// whatever the frame's size. A copy at the region's own size (a picture the capture keeps)
+    /// is read in the frame's colour space; smaller copies, for the networks and the preview, read
+    /// BT.709 as BT.601 (a few levels of colour, which would double their cost at 1080p).
+    /// Null when the frame cannot be read.
     static QImage scaledRegion(const QVideoFrame &frame, QRect region, QSize size);
     /// The frame as the capture takes it: whole image and small copies made on demand, turned
     /// and mirrored as Qt reports.

@@ -139,9 +139,14 @@ TEST(VideoFrameMapping, BgraFramesAreReadDirectlyOtherFormatsAreConverted)
 }
 
 // A frame of a camera YUV format filled with one colour, plane by plane.
-QVideoFrame yuvFrame(QVideoFrameFormat::PixelFormat format, QSize size, uchar luma, uchar u, uchar v)
+QVideoFrame yuvFrame(QVideoFrameFormat::PixelFormat format, QSize size, uchar luma, uchar u, uchar v,
+                     QVideoFrameFormat::ColorRange range = QVideoFrameFormat::ColorRange_Video,
+                     QVideoFrameFormat::ColorSpace space = QVideoFrameFormat::ColorSpace_BT601)
 {
-    QVideoFrame frame(QVideoFrameFormat(size, format));
+    QVideoFrameFormat surface(size, format);
+    surface.setColorRange(range);
+    surface.setColorSpace(space);
+    QVideoFrame frame(surface);
     EXPECT_TRUE(frame.map(QVideoFrame::WriteOnly));
     const auto fill = [&](int plane, std::initializer_list<uchar> pattern) {
         const std::vector<uchar> bytes(pattern);
@@ -179,6 +184,24 @@ TEST(VideoFrameMapping, EveryCameraYuvFormatIsConvertedFromItsPlanesWithoutQtsCo
                 EXPECT_NEAR(qGreen(image.pixel(at)), qGreen(expected), 3);
                 EXPECT_NEAR(qBlue(image.pixel(at)), qBlue(expected), 3);
             }
+        }
+        // Full range (what a JPEG camera's decoder gives): luma is the grey itself, where the
+        // video range would stretch 235 to white and 20 to near black.
+        for (const uchar luma : {uchar(235), uchar(20)}) {
+            VextilVideoFrameMapping full(yuvFrame(format, QSize(64, 48), luma, 128, 128, F::ColorRange_Full));
+            const QImage image = VextilImageBuffer::imageFromSampleBuffer(full.sampleBuffer());
+            ASSERT_FALSE(image.isNull());
+            EXPECT_NEAR(qGreen(image.pixel(40, 30)), luma, 3);
+        }
+        // HD cameras say BT.709, whose colours BT.601 reads about ten levels off.
+        for (const auto &[y, u, v, expected] : {std::tuple{uchar(105), uchar(107), uchar(182), qRgb(200, 80, 60)},
+                                                std::tuple{uchar(131), uchar(107), uchar(87), qRgb(60, 160, 90)}}) {
+            VextilVideoFrameMapping hd(yuvFrame(format, QSize(64, 48), y, u, v, F::ColorRange_Video, F::ColorSpace_BT709));
+            const QImage image = VextilImageBuffer::imageFromSampleBuffer(hd.sampleBuffer());
+            ASSERT_FALSE(image.isNull());
+            EXPECT_NEAR(qRed(image.pixel(40, 30)), qRed(expected), 3);
+            EXPECT_NEAR(qGreen(image.pixel(40, 30)), qGreen(expected), 3);
+            EXPECT_NEAR(qBlue(image.pixel(40, 30)), qBlue(expected), 3);
         }
     }
     // Frames that do not hold what their format needs give no image rather than a crash: an odd
