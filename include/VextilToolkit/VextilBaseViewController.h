@@ -4,6 +4,7 @@
 
 #include <QMutex>
 #include <QPointer>
+#include <QStackedWidget>
 #include <QVariant>
 #include <QWidget>
 
@@ -11,7 +12,9 @@
 
 /// Base of the toolkit's screens. A screen is presented over another widget's window, covering
 /// it, and dismissed again; it knows which screen it presented and what presented it. Screens
-/// are portrait only and never rotate. GUI thread only.
+/// are portrait only and never rotate: on Android a phone is held in portrait while one shows,
+/// and in a window of another shape a screen lays itself out in a portrait region
+/// (portraitRect). GUI thread only.
 class VEXTIL_EXPORT VextilBaseViewController : public QWidget {
     Q_OBJECT
 public:
@@ -22,6 +25,10 @@ public:
     virtual Qt::ScreenOrientations supportedInterfaceOrientations() const { return Qt::PortraitOrientation; }
     /// Whether the screen follows the device's rotation: never.
     virtual bool shouldAutorotate() const { return false; }
+    /// Where the screen lays out its content: in a window of another shape than a phone's, the
+    /// largest rectangle of a phone's proportions (9:21 to 3:4) centred in the screen; the whole
+    /// screen otherwise. The screen's background shows beyond it.
+    QRect portraitRect() const;
     /// Kept for subclasses; its accessors are synchronised.
     QVariant previousOrientation() const;
     void setPreviousOrientation(const QVariant &orientation);
@@ -62,10 +69,31 @@ private:
     void disappear(bool animated, std::function<void()> completion);
     void loadViewIfNeeded();
     bool presentsAbove(const QWidget *widget) const;
+    void holdPortrait(bool hold);
 
     mutable QMutex m_orientationMutex;
     QVariant m_previousOrientation;
     QPointer<QWidget> m_presenting;
     bool m_loaded = false;
     bool m_beingDismissed = false;
+    bool m_holdsPortrait = false;
+};
+
+/// A stack of screens for hosts that wrap toolkit screens in a navigation stack of their own. Like
+/// the screens it is portrait only and never rotates: each screen pushed onto it lays itself out
+/// in a portrait region of the stack (see VextilBaseViewController::portraitRect). The toolkit
+/// itself never creates one. GUI thread only.
+class VEXTIL_EXPORT VextilBaseNavigationController : public QStackedWidget {
+    Q_OBJECT
+public:
+    using QStackedWidget::QStackedWidget;
+
+    /// Orientations the stack supports: portrait only.
+    virtual Qt::ScreenOrientations supportedInterfaceOrientations() const { return Qt::PortraitOrientation; }
+    /// Whether the stack follows the device's rotation: never.
+    virtual bool shouldAutorotate() const { return false; }
+    /// Shows a screen on top of the stack, which takes ownership of it.
+    void pushViewController(QWidget *controller);
+    /// Removes the top screen (never the last one) and returns it; the caller owns it then.
+    QWidget *popViewController();
 };

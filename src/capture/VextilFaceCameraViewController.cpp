@@ -9,6 +9,7 @@
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBoxView.h"
 #include "core/VextilMainQueue.h"
+#include "core/VextilPortraitRegion.h"
 #include "core/VextilTexts.h"
 #include "tutorial/VextilTutorialFace.h"
 #include "ui/NavigationBarView.h"
@@ -117,19 +118,26 @@ void VextilFaceCameraViewController::setupView()
     m_faceProgressBoxView->updateInstructionsLabelWithText(m_modelText);
 }
 
+namespace {
+constexpr double kWidestCameraView = 0.9;  // width / height
+}
+
 void VextilFaceCameraViewController::setupConstraints()
 {
     if (!m_navigationView)
         return;
-    const QRectF view = rect();
+    const QRectF view = portraitRect();
     const QRectF bar =
-        VextilFrame().top(0).width(view.width()).centerX(view.center().x()).height(view.height() * 0.09).rect();
+        VextilFrame().top(view.top()).width(view.width()).centerX(view.center().x()).height(view.height() * 0.09).rect();
     const QRectF box =
         VextilFrame().width(view.width()).centerX(view.center().x()).height(150).bottom(view.bottom()).rect();
     m_navigationView->setGeometry(bar.toRect());
     m_faceProgressBoxView->setGeometry(box.toRect());
+    // Between the bar and the box, and never much wider than tall: the face frame is drawn to
+    // the view's width, and in a wider view its top and bottom would be cut off.
+    const QRectF between = VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).bottom(box.top()).rect();
     m_faceCameraView->setGeometry(
-        VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).bottom(box.top()).pixels());
+        VextilPortraitRegion::of(between.size(), 0, kWidestCameraView).translated(between.topLeft()).toRect());
     const QSize shown = m_faceCameraView->size() * devicePixelRatioF();
     m_analysedSide = std::clamp(std::max(shown.width(), shown.height()), kSmallestAnalysedSide, kLargestAnalysedSide);
     if (m_model && m_faceCameraView->isVisible())

@@ -44,8 +44,8 @@ void VextilConfirmController::setupConstraints()
 {
     if (!m_navigationBar)
         return;
-    const QRectF view = rect();
-    const QRectF bar = VextilFrame().top(0).width(view.width()).centerX(view.center().x()).height(view.height() * 0.1).rect();
+    const QRectF view = portraitRect();
+    const QRectF bar = VextilFrame().top(view.top()).width(view.width()).centerX(view.center().x()).height(view.height() * 0.1).rect();
     m_navigationBar->setGeometry(bar.toRect());
     m_confirmView->setGeometry(VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).height(view.height() * 0.9).pixels());
 }

@@ -9,9 +9,12 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace {
 
-// The photo, cropped to fill a rounded rectangle.
+// The photo, whole, as large as the frame allows, with rounded corners: a capture is never
+// cropped to the frame's shape, whatever the window's.
 class PhotoView : public QWidget {
 public:
     PhotoView(VextilConfirmView *owner, QWidget *parent) : QWidget(parent), m_owner(owner) {}
@@ -25,11 +28,12 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        const QSizeF fitted = QSizeF(image.size()).scaled(size(), Qt::KeepAspectRatio);
+        const QRectF shown(QPointF((width() - fitted.width()) / 2, (height() - fitted.height()) / 2), fitted);
         QPainterPath clip;
-        clip.addRoundedRect(QRectF(rect()), 10, 10);
+        clip.addRoundedRect(shown, 10, 10);
         painter.setClipPath(clip);
-        const QSizeF filled = QSizeF(image.size()).scaled(size(), Qt::KeepAspectRatioByExpanding);
-        painter.drawImage(QRectF(QPointF((width() - filled.width()) / 2, (height() - filled.height()) / 2), filled), image);
+        painter.drawImage(shown, image);
     }
 
 private:
@@ -58,14 +62,14 @@ void VextilConfirmView::setupView()
     m_imageView->setAccessibleName(VextilTexts::tr("Captured photo"));
     m_messageLabel = new QLabel(this);
     QFont font = m_messageLabel->font();
-    font.setPixelSize(18);
+    font.setPixelSize(kMessagePx);
     m_messageLabel->setFont(font);
     m_messageLabel->setWordWrap(true);
     m_messageLabel->setAlignment(Qt::AlignCenter);
 
     m_acceptButton = new VextilButton(this);
     m_acceptButton->setCornerRadius(5);
-    font.setPixelSize(16);
+    font.setPixelSize(kButtonPx);
     font.setWeight(QFont::Bold);
     m_acceptButton->setFont(font);
     setAcceptButtonText(VextilTexts::tr("Yes, send"));
@@ -82,14 +86,40 @@ void VextilConfirmView::setupView()
 void VextilConfirmView::setupConstraints()
 {
     const QRectF view = rect();
-    const QRectF image = VextilFrame().top(view.top() + 15).width(view.width() * 0.75).centerX(view.center().x()).height(view.height() * 0.6).rect();
     const QRectF cancel = VextilFrame().width(view.width() * 0.7).centerX(view.center().x()).bottom(view.bottom() - 25).height(view.height() * 0.07).rect();
     const QRectF accept = VextilFrame().width(view.width() * 0.7).centerX(view.center().x()).bottom(cancel.top() - 15).height(view.height() * 0.07).rect();
-    const QRectF message = VextilFrame().top(image.bottom() + 15).width(view.width() * 0.7).centerX(view.center().x()).bottom(accept.top() - 15).rect();
-    m_imageView->setGeometry(image.toRect());
     m_cancelButton->setGeometry(cancel.toRect());
     m_acceptButton->setGeometry(accept.toRect());
+    fitButtonTexts();
+    // The photo takes 60% of the height, or less on a short screen (a phone on its side), where
+    // the question would otherwise have no room left.
+    const double question = QFontMetricsF(m_messageLabel->font())
+                                .boundingRect(QRectF(0, 0, view.width() * 0.7, 1e6), Qt::TextWordWrap | Qt::AlignCenter, m_messageLabel->text())
+                                .height();
+    const double imageHeight = std::max(0.0, std::min(view.height() * 0.6, accept.top() - 15 - question - 15 - (view.top() + 15)));
+    const QRectF image = VextilFrame().top(view.top() + 15).width(view.width() * 0.75).centerX(view.center().x()).height(imageHeight).rect();
+    const QRectF message = VextilFrame().top(image.bottom() + 15).width(view.width() * 0.7).centerX(view.center().x()).bottom(accept.top() - 15).rect();
+    m_imageView->setGeometry(image.toRect());
     m_messageLabel->setGeometry(message.toRect());
+}
+
+void VextilConfirmView::fitButtonTexts()
+{
+    // The titles shrink to the buttons' height and width on small screens, never grow.
+    if (!m_acceptButton || !m_cancelButton)
+        return;  // still being built
+    for (VextilButton *button : {m_acceptButton, m_cancelButton}) {
+        QFont font = button->font();
+        const double icon = button->imageName().isEmpty() ? 0 : button->height() * 0.5 + 2 * kIconSpacing;
+        int pixels = std::clamp(int(button->height() * 0.6), kSmallestPx, kButtonPx);
+        for (; pixels > kSmallestPx; --pixels) {
+            font.setPixelSize(pixels);
+            if (QFontMetricsF(font).horizontalAdvance(button->text()) + icon <= button->width() - 8)
+                break;
+        }
+        font.setPixelSize(pixels);
+        button->setFont(font);
+    }
 }
 
 void VextilConfirmView::setupColors()
@@ -109,7 +139,7 @@ void VextilConfirmView::resizeEvent(QResizeEvent *)
 {
     setupConstraints();
     drawMask();
-    centerButtonAndImageWithSpacing(m_cancelButton, 15.0);
+    centerButtonAndImageWithSpacing(m_cancelButton, kIconSpacing);
 }
 
 void VextilConfirmView::drawMask()
@@ -137,18 +167,21 @@ void VextilConfirmView::setMessageText(const QString &text)
 {
     m_messageLabel->setText(text);
     m_messageLabel->setAccessibleName(text);
+    setupConstraints();
 }
 
 void VextilConfirmView::setAcceptButtonText(const QString &text)
 {
     m_acceptButton->setText(text);
     m_acceptButton->setAccessibleName(text);
+    fitButtonTexts();
 }
 
 void VextilConfirmView::setCancelButtonText(const QString &text)
 {
     m_cancelButton->setText(text);
     m_cancelButton->setAccessibleName(text);
+    fitButtonTexts();
 }
 
 void VextilConfirmView::setDocumentImage(const QImage &image)

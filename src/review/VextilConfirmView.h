@@ -41,8 +41,11 @@ protected:
     void paintEvent(QPaintEvent *) override;
 
 private:
+    static constexpr int kMessagePx = 18, kButtonPx = 16, kSmallestPx = 10;
+    static constexpr double kIconSpacing = 15.0;
     void setupView();
     void setupConstraints();
+    void fitButtonTexts();
     void setupColors();
     void drawMask();
 

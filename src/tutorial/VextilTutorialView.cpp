@@ -1,5 +1,6 @@
 #include "tutorial/VextilTutorialView.h"
 
+#include "core/VextilPortraitRegion.h"
 #include "core/VextilTexts.h"
 #include "ui/VextilFrame.h"
 #include "ui/VextilSchemeAccess.h"
@@ -14,6 +15,9 @@
 #include <QPropertyAnimation>
 #include <QScopedValueRollback>
 #include <QTimer>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -140,9 +144,7 @@ void VextilTutorialView::addViews()
         palette.setColor(QPalette::WindowText, scheme->popUpTextColor());
         label->setPalette(palette);
         label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-        QFont font = label->font();
-        font.setPixelSize(10);
-        label->setBaseFont(font);
+        label->setBaseFont(scaledFont(label->font(), kTipFontPx, 1.0));
         label->setWordWrap(true);
         label->setMaximumLines(3);  // what the fixed height holds; a longer caption ends in "…"
     }
@@ -150,8 +152,7 @@ void VextilTutorialView::addViews()
     m_nextButton->setText(VextilTexts::tr("OK, I got it"));
     m_nextButton->setAccessibleName(m_nextButton->text());
     m_nextButton->setTitleColor(scheme->popUpButtonTintColorForState(kVextilHighlighted));
-    QFont font = m_nextButton->font();
-    font.setPixelSize(19);
+    QFont font = scaledFont(m_nextButton->font(), kButtonFontPx, 1.0);
     font.setWeight(QFont::Bold);
     m_nextButton->setFont(font);
     m_nextButton->setBackgroundColor(scheme->popUpButtonBackgroundColorForState(kVextilHighlighted));
@@ -160,21 +161,31 @@ void VextilTutorialView::addViews()
     connect(m_nextButton, &QAbstractButton::pressed, this, &VextilTutorialView::didTappedNextButton);
 }
 
+double VextilTutorialView::boxScale() const
+{
+    // The box is drawn for a phone held upright; in a shorter or narrower screen (a phone on its
+    // side) it shrinks, text included, to fit the screen's portrait region with a margin.
+    const QSizeF room = VextilPortraitRegion::of(size()).size() - QSizeF(2 * kMargin, 2 * kMargin);
+    return std::clamp(std::min(room.width() / kBoxWidth, room.height() / kBoxHeight), 0.1, 1.0);
+}
+
 void VextilTutorialView::updateConstraints()
 {
+    const double k = boxScale();
     const QRectF screen = rect();
-    m_content->setGeometry(VextilFrame().centerX(screen.center().x()).centerY(screen.center().y()).width(288).height(454).pixels());
-    const QRectF box(0, 0, 288, 454);
-    m_nextButton->setGeometry(VextilFrame().centerX(box.center().x()).bottom(box.bottom() - 20).height(44).width(box.width() * 0.8).pixels());
+    m_content->setGeometry(VextilFrame().centerX(screen.center().x()).centerY(screen.center().y()).width(kBoxWidth * k).height(kBoxHeight * k).pixels());
+    const QRectF box(0, 0, kBoxWidth * k, kBoxHeight * k);
+    m_nextButton->setGeometry(VextilFrame().centerX(box.center().x()).bottom(box.bottom() - 20 * k).height(44 * k).width(box.width() * 0.8).pixels());
+    scaleFonts(k);
 
     const double side = box.width() * 0.35;
-    const QRectF topLeft = VextilFrame().width(side).height(side).left(box.left() + 30).top(box.top() + 40).rect();
+    const QRectF topLeft = VextilFrame().width(side).height(side).left(box.left() + 30 * k).top(box.top() + 40 * k).rect();
     const QRectF topLeftLabel = VextilFrame().centerX(topLeft.center().x()).top(topLeft.bottom()).width(side * 1.1).height(side * 1.1 * kLabelAspect).rect();
-    const QRectF topRight = VextilFrame().width(side).height(side).centerY(topLeft.center().y()).right(box.right() - 30).rect();
+    const QRectF topRight = VextilFrame().width(side).height(side).centerY(topLeft.center().y()).right(box.right() - 30 * k).rect();
     const QRectF topRightLabel = VextilFrame().centerX(topRight.center().x()).width(side * 1.1).top(topLeftLabel.top()).height(side * 1.1 * kLabelAspect).rect();
-    const QRectF bottomLeft = VextilFrame().width(side).height(side).centerX(topLeft.center().x()).top(topLeftLabel.bottom() + 20).rect();
+    const QRectF bottomLeft = VextilFrame().width(side).height(side).centerX(topLeft.center().x()).top(topLeftLabel.bottom() + 20 * k).rect();
     // The bottom-right icon alone is not square: its height is its image's own.
-    const double ownHeight = m_icons[3]->sizeHint().height();
+    const double ownHeight = m_icons[3]->sizeHint().height() * k;
     const QRectF bottomRight = VextilFrame().width(side).height(ownHeight).centerX(topRight.center().x()).centerY(bottomLeft.center().y()).rect();
     const QRectF bottomLeftLabel = VextilFrame().centerX(bottomLeft.center().x()).top(bottomLeft.bottom()).width(side).height(side * kLabelAspect).rect();
     const QRectF bottomRightLabel = VextilFrame().centerX(bottomRight.center().x()).top(bottomLeftLabel.top()).width(side).height(side * kLabelAspect).rect();
@@ -185,6 +196,19 @@ void VextilTutorialView::updateConstraints()
         m_icons[i]->setGeometry(icons[i].toRect());
         m_labels[i]->setGeometry(labels[i].toRect());
     }
+}
+
+QFont VextilTutorialView::scaledFont(QFont font, int pixels, double scale)
+{
+    font.setPixelSize(std::max(1, int(std::lround(pixels * scale))));
+    return font;
+}
+
+void VextilTutorialView::scaleFonts(double scale)
+{
+    for (VextilLabel *label : m_labels)
+        label->setBaseFont(scaledFont(label->font(), kTipFontPx, scale));
+    m_nextButton->setFont(scaledFont(m_nextButton->font(), kButtonFontPx, scale));
 }
 
 void VextilTutorialView::resizeEvent(QResizeEvent *)

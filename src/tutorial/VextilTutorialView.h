@@ -46,6 +46,8 @@ public:
     qreal alpha() const;
 
     static constexpr int kFadeMs = 250;
+    /// The box's size on a phone held upright; it shrinks to fit smaller screens.
+    static constexpr double kBoxWidth = 288, kBoxHeight = 454;
 
 protected:
     void addBlurEffectView();
@@ -56,6 +58,12 @@ protected:
     void paintEvent(QPaintEvent *) override;
 
 private:
+    static constexpr double kMargin = 12;
+    static constexpr int kTipFontPx = 10, kButtonFontPx = 19;
+
+    double boxScale() const;
+    static QFont scaledFont(QFont font, int pixels, double scale);
+    void scaleFonts(double scale);
     void finishClosing();
 
     QWidget *m_blur = nullptr;

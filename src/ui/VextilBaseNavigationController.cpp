@@ -1,4 +1,4 @@
-#include "ui/VextilBaseNavigationController.h"
+#include <VextilToolkit/VextilBaseViewController.h>
 
 void VextilBaseNavigationController::pushViewController(QWidget *controller)
 {

@@ -1,6 +1,8 @@
 #include <VextilToolkit/VextilBaseViewController.h>
 
 #include "core/VextilMainQueue.h"
+#include "core/VextilPortraitLock.h"
+#include "core/VextilPortraitRegion.h"
 
 #include <QEvent>
 #include <QPropertyAnimation>
@@ -15,7 +17,23 @@ VextilBaseViewController::VextilBaseViewController(QWidget *parent) : QWidget(pa
     setAutoFillBackground(true);
 }
 
-VextilBaseViewController::~VextilBaseViewController() = default;
+VextilBaseViewController::~VextilBaseViewController() { holdPortrait(false); }
+
+void VextilBaseViewController::holdPortrait(bool hold)
+{
+    if (hold == m_holdsPortrait)
+        return;
+    m_holdsPortrait = hold;
+    if (hold)
+        VextilPortraitLock::acquire();
+    else
+        VextilPortraitLock::release();
+}
+
+QRect VextilBaseViewController::portraitRect() const
+{
+    return VextilPortraitRegion::of(size()).toRect();
+}
 
 QVariant VextilBaseViewController::previousOrientation() const
 {
@@ -88,6 +106,7 @@ bool VextilBaseViewController::presentsAbove(const QWidget *widget) const
 void VextilBaseViewController::appear(bool animated, std::function<void()> completion)
 {
     m_beingDismissed = false;
+    holdPortrait(true);  // a phone stays upright while a screen shows
     loadViewIfNeeded();
     viewWillAppear(animated);
     show();
@@ -133,6 +152,7 @@ void VextilBaseViewController::disappear(bool animated, std::function<void()> co
     m_beingDismissed = true;
     const auto finish = [this, animated, completion = std::move(completion)] {
         hide();
+        holdPortrait(false);
         if (QWidget *window = parentWidget())
             window->removeEventFilter(this);
         // The screen underneath appears again, as when a modal screen goes.

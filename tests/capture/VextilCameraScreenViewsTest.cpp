@@ -137,6 +137,67 @@ TEST(FaceCameraView, MasksCoverTheViewThePopupIsCentredAndTheLogoSitsTopRight)
     EXPECT_EQ(view.videoPreviewLayer()->geometry(), view.rect()) << "the picture follows the size";
 }
 
+// The white face frame's extent across the middle of the camera view, with no picture behind it:
+// its width along the middle row and its height along the middle column, tick marks included.
+QSizeF faceFrameExtent(const QImage &shot)
+{
+    const auto white = [&](int x, int y) { return qGray(shot.pixel(x, y)) > 200; };
+    int left = -1, right = -1, top = -1, bottom = -1;
+    const int row = shot.height() / 2, column = shot.width() / 2;
+    for (int x = 0; x < shot.width(); ++x)
+        if (white(x, row)) {
+            left = left < 0 ? x : left;
+            right = x;
+        }
+    for (int y = 0; y < shot.height(); ++y)
+        if (white(column, y)) {
+            top = top < 0 ? y : top;
+            bottom = y;
+        }
+    return left < 0 || top < 0 ? QSizeF() : QSizeF(right - left + 1, bottom - top + 1);
+}
+
+// In a window of any shape the camera screen lays itself out in a portrait region: the face
+// frame keeps the shape it has on a phone, uncut, and where the view is at least as wide as on
+// a phone (taller views show the frame larger), it takes the same share of the view's width,
+// which the near-enough test measures against.
+TEST(FaceCameraScreen, TheFaceFrameKeepsItsPhoneShapeInAnyWindow)
+{
+    QSizeF phoneFrame;
+    for (const QSize window : {QSize(390, 844), QSize(1280, 800), QSize(844, 390), QSize(800, 2000)}) {
+        SCOPED_TRACE(QStringLiteral("%1x%2").arg(window.width()).arg(window.height()).toStdString());
+        QWidget host;
+        host.resize(window);
+        host.show();
+        auto *camera = new VextilFaceCameraViewController;
+        camera->setPresentTutorial(false);
+        camera->setFrameSource(std::make_unique<ManualSource>());
+        VextilBaseViewController::present(&host, camera, false);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return camera->isVisible(); }, 2000));
+        settle();
+        VextilFaceCameraView *view = camera->faceCameraView();
+        const QRect placed(view->mapTo(&host, QPoint(0, 0)), view->size());
+        const double aspect = double(placed.width()) / placed.height();
+        EXPECT_LE(aspect, 0.9 + 0.01) << "never much wider than tall";
+        EXPECT_NEAR(placed.center().x(), window.width() / 2.0, 1.5) << "centred";
+        EXPECT_TRUE(host.rect().contains(placed));
+        EXPECT_EQ(camera->model()->viewSize(), QSizeF(view->size())) << "what the near-enough test measures against";
+
+        const QSizeF frame = faceFrameExtent(view->grab().toImage());
+        ASSERT_TRUE(frame.isValid()) << "no face frame drawn";
+        EXPECT_LT(frame.height(), view->height() - 2) << "the frame is cut at the view's edges";
+        if (!phoneFrame.isValid())
+            phoneFrame = frame;
+        EXPECT_NEAR(frame.width() / frame.height(), phoneFrame.width() / phoneFrame.height(), 0.03)
+            << "the frame's shape";
+        if (aspect >= 390.0 / 618 - 0.01) {
+            EXPECT_NEAR(frame.width() / view->width(), phoneFrame.width() / 390, 0.03) << "its share of the width";
+        }
+        camera->dismissViewControllerAnimated(false);
+        QTest::qWait(20);
+    }
+}
+
 TEST(FaceProgressBox, LaysOutLabelAboveTheBarAndAnimatesToTheLastValue)
 {
     VextilFaceProgressBoxView box;

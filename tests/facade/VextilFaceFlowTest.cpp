@@ -342,18 +342,29 @@ TEST_F(FaceFlowTest, AFailedSendKeepsTheImagesForARetryEvenFromInsideItsCallback
     EXPECT_EQ(working.uploadFolders().size(), 1);
 }
 
-TEST_F(FaceFlowTest, LandscapeAndSidewaysCamerasGivePortraitImagesOfWhatTheViewShows)
+// Portrait and landscape cameras, in a phone's window and in a landscape desktop window, where
+// the screens keep a phone's proportions: every capture completes with portrait images of what
+// the view shows.
+TEST_F(FaceFlowTest, CamerasAndWindowsOfEitherShapeGivePortraitImagesOfWhatTheViewShows)
 {
-    const std::pair<const char *, std::function<std::unique_ptr<VextilFrameSource>()>> cameras[] = {
-        {"landscape webcam", [] { return std::make_unique<VextilVideoFileSource>(VEXTIL_CLIP_LANDSCAPE, true); }},
-        {"sideways sensor", [] { return std::make_unique<SidewaysSource>(); }},
+    using Factory = std::function<std::unique_ptr<VextilFrameSource>()>;
+    const Factory sample = [] { return std::make_unique<VextilVideoFileSource>(VEXTIL_SELFIE_CLIP, true); },
+                  landscape = [] { return std::make_unique<VextilVideoFileSource>(VEXTIL_CLIP_LANDSCAPE, true); },
+                  sideways = [] { return std::make_unique<SidewaysSource>(); };
+    const std::tuple<const char *, QSize, Factory> runs[] = {
+        {"landscape webcam, phone", QSize(390, 844), landscape},
+        {"sideways sensor, phone", QSize(390, 844), sideways},
+        {"sample clip, desktop window", QSize(1280, 800), sample},
+        {"landscape webcam, desktop window", QSize(1280, 800), landscape},
     };
-    for (const auto &[name, factory] : cameras) {
+    for (const auto &[name, window, factory] : runs) {
         SCOPED_TRACE(name);
+        host.resize(window);
         face->setFrameSourceFactory(factory);
         requestFace();
         ASSERT_TRUE(waitForReview()) << "the capture did not complete";
         const QSize view = face->faceCameraViewController()->faceCameraView()->size();
+        EXPECT_LE(view.width(), view.height() * 0.9 + 1) << "a phone-shaped camera view";
         auto *store = VextilRepository::sharedInstance();
         ASSERT_EQ(store->getFaceImages()->size(), 5);
         ASSERT_EQ(store->getFaceSmileImagess()->size(), 2);
@@ -366,7 +377,7 @@ TEST_F(FaceFlowTest, LandscapeAndSidewaysCamerasGivePortraitImagesOfWhatTheViewS
         ASSERT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController() == nullptr; }, 5000));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-    EXPECT_EQ(reports, 2);
+    EXPECT_EQ(reports, 4);
 }
 
 TEST_F(FaceFlowTest, TheCameraResumesWhenItsWindowIsShownAgainAndNeverRestartsAsTheFlowCloses)

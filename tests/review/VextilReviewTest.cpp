@@ -4,6 +4,7 @@
 #include "review/VextilConfirmView.h"
 #include "ui/NavigationBarView.h"
 
+#include <QPainter>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -151,6 +152,63 @@ TEST(ConfirmController, AcceptAndRetakeReportOnceAfterTheScreenIsGone)
         EXPECT_EQ(answers.answers, QList<bool>{accept});
         EXPECT_EQ(store->getFaceImages() != nullptr, accept) << "a retake drops the capture";
         answers.answers.clear();
+    }
+}
+
+// A portrait capture in blue with a red square in each corner, larger than the rounding.
+QImage cornerMarked()
+{
+    QImage image(270, 428, QImage::Format_RGB32);  // a phone view's proportions
+    image.fill(qRgb(0, 0, 255));
+    QPainter painter(&image);
+    for (const QPoint corner : {QPoint(0, 0), QPoint(210, 0), QPoint(0, 368), QPoint(210, 368)})
+        painter.fillRect(QRect(corner, QSize(60, 60)), Qt::red);
+    return image;
+}
+
+// The review shows the whole capture, never cropped to its frame's shape, and lays itself out
+// in a portrait region: the same screen in a phone, a desktop window and a phone on its side.
+TEST(ConfirmController, ShowsTheWholeCaptureInAPortraitRegionOfAnyWindow)
+{
+    auto *store = VextilRepository::sharedInstance();
+    for (const QSize window : {QSize(390, 844), QSize(1280, 800), QSize(844, 390)}) {
+        SCOPED_TRACE(QStringLiteral("%1x%2").arg(window.width()).arg(window.height()).toStdString());
+        store->setFaceImages(std::make_shared<QList<QImage>>(5, cornerMarked()));
+        store->setFaceSmileImages(std::make_shared<QList<QImage>>(2, cornerMarked()));
+        QWidget host;
+        host.resize(window);
+        host.show();
+        VextilConfirmController review;
+        VextilBaseViewController::present(&host, &review, false);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return review.confirmView() && !review.confirmView()->currentImage().isNull(); }, 2000));
+        QTest::qWait(20);
+        VextilConfirmView *view = review.confirmView();
+        const QRect placed(view->mapTo(&host, QPoint(0, 0)), view->size());
+        EXPECT_LE(double(placed.width()) / (placed.bottom() + 1), 0.75 + 0.01) << "a portrait region";
+        EXPECT_NEAR(placed.center().x(), window.width() / 2.0, 1.5);
+        for (QWidget *part : QList<QWidget *>{view->selectImageView(), view->acceptButton(), view->cancelButton()})
+            EXPECT_TRUE(view->rect().contains(part->geometry())) << "inside the screen";
+
+        // Red and blue pixels on screen: the picture's extent, and whether each corner shows.
+        const QImage shot = view->selectImageView()->grab().toImage();
+        QRect picture;
+        int corners[2][2] = {};
+        for (int y = 0; y < shot.height(); ++y)
+            for (int x = 0; x < shot.width(); ++x) {
+                const QRgb p = shot.pixel(x, y);
+                const bool red = qRed(p) > 200 && qBlue(p) < 60, blue = qBlue(p) > 200 && qRed(p) < 60;
+                if (red || blue)
+                    picture |= QRect(x, y, 1, 1);
+                if (red)
+                    ++corners[y * 2 / shot.height()][x * 2 / shot.width()];
+            }
+        ASSERT_FALSE(picture.isEmpty());
+        EXPECT_NEAR(double(picture.width()) / picture.height(), 270.0 / 428, 0.02) << "the capture's own shape";
+        for (const auto &row : corners)
+            for (int count : row)
+                EXPECT_GT(count, picture.width() * picture.height() / 100) << "a corner of the capture is cut off";
+        review.dismissViewControllerAnimated(false);
+        QTest::qWait(20);
     }
 }
 

@@ -44,6 +44,31 @@ TEST(TutorialFace, TheBoxKeepsItsSizeAndTheTipsTheirProportions)
     }
 }
 
+// On a screen too short or narrow for the box (a phone on its side), the whole box shrinks,
+// text included, to fit the screen's portrait region; the tips keep their places in it.
+TEST(TutorialFace, OnASmallScreenTheWholeBoxShrinksToFit)
+{
+    for (QSize screen : {QSize(844, 390), QSize(1280, 400), QSize(250, 600)}) {
+        SCOPED_TRACE(QStringLiteral("%1x%2").arg(screen.width()).arg(screen.height()).toStdString());
+        VextilTutorialFace tutorial;
+        tutorial.resize(screen);
+        tutorial.show();
+        const QRect box = tutorial.contentView()->geometry();
+        EXPECT_TRUE(tutorial.rect().adjusted(8, 8, -8, -8).contains(box)) << "the box leaves a margin";
+        EXPECT_NEAR(double(box.width()) / box.height(), 288.0 / 454, 0.01) << "the box keeps its shape";
+        const double scale = box.width() / 288.0;
+        EXPECT_LT(scale, 0.95);
+        EXPECT_EQ(box.center(), tutorial.rect().center());
+        const QRect next = tutorial.nextButton()->geometry();
+        EXPECT_NEAR(next.bottom() + 1, box.height() - 20 * scale, 1.5) << "the button keeps its place";
+        EXPECT_NEAR(tutorial.nextButton()->font().pixelSize(), 19 * scale, 1) << "and its title shrinks with it";
+        EXPECT_NEAR(tutorial.topLeftTipLabel()->baseFont().pixelSize(), 10 * scale, 1);
+        for (QWidget *part : QList<QWidget *>{tutorial.topLeftIconImageView(), tutorial.bottomRightImageView(),
+                                              tutorial.bottomLeftTipLabel(), tutorial.bottomRightTipLabel(), tutorial.nextButton()})
+            EXPECT_TRUE(QRect(QPoint(0, 0), box.size()).contains(part->geometry())) << "inside the box";
+    }
+}
+
 TEST(TutorialFace, ShowsTheFourTipsInTheSchemesColours)
 {
     VextilToolkitSettings::sharedInstance()->setColorScheme(std::make_shared<HostScheme>());

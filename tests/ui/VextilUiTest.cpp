@@ -3,6 +3,7 @@
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
 
+#include "core/VextilPortraitLock.h"
 #include "ui/NavigationBarView.h"
 #include "ui/VextilButton.h"
 
@@ -130,6 +131,7 @@ TEST(BaseViewController, PresentsOverTheHostWindowAndDismissesWithACompletionAft
     VextilBaseViewController::present(&host, &camera, true, [&] { presented = true; });
     EXPECT_TRUE(QTest::qWaitFor([&] { return presented; }, 2000));
     EXPECT_EQ(camera.geometry(), host.rect());
+    EXPECT_TRUE(VextilPortraitLock::isHeld()) << "a phone is held upright while a screen shows";
     EXPECT_EQ(VextilBaseViewController::presentedViewControllerOf(&host), &camera);
     EXPECT_EQ(camera.presentingViewController(), &host);
 
@@ -150,11 +152,40 @@ TEST(BaseViewController, PresentsOverTheHostWindowAndDismissesWithACompletionAft
     EXPECT_TRUE(QTest::qWaitFor([&] { return reviewGone; }, 2000));
     EXPECT_EQ(camera.presentedViewController(), nullptr);
     EXPECT_EQ(camera.appearances, 2) << "the camera screen appears again under the review";
+    EXPECT_TRUE(VextilPortraitLock::isHeld());
 
     bool cameraGone = false;
     camera.dismissViewControllerAnimated(true, [&] { cameraGone = !camera.isVisible(); });
     EXPECT_TRUE(QTest::qWaitFor([&] { return cameraGone; }, 2000));
     EXPECT_EQ(VextilBaseViewController::presentedViewControllerOf(&host), nullptr);
+    EXPECT_FALSE(VextilPortraitLock::isHeld()) << "the host's orientation is given back";
+}
+
+// A host's own navigation stack of toolkit screens, in a landscape window: portrait only, and
+// each screen lays itself out in a portrait region of the stack.
+TEST(BaseNavigationController, StacksScreensThatEachKeepAPortraitRegion)
+{
+    VextilBaseNavigationController stack;
+    stack.resize(1280, 800);
+    stack.show();
+    EXPECT_EQ(stack.supportedInterfaceOrientations(), Qt::PortraitOrientation);
+    EXPECT_FALSE(stack.shouldAutorotate());
+    auto *first = new Screen, *second = new Screen;
+    stack.pushViewController(first);
+    stack.pushViewController(second);
+    EXPECT_EQ(stack.currentWidget(), second);
+    EXPECT_EQ(second->size(), QSize(1280, 800));
+    EXPECT_EQ(second->portraitRect(), QRect(340, 0, 600, 800)) << "3:4, centred";
+    EXPECT_EQ(stack.popViewController(), second);
+    delete second;
+    EXPECT_EQ(stack.currentWidget(), first);
+    EXPECT_EQ(stack.popViewController(), nullptr) << "the last screen stays";
+    for (const auto &[window, region] : {std::pair{QSize(390, 844), QRect(0, 0, 390, 844)},  // a phone: all of it
+                                         {QSize(844, 390), QRect(276, 0, 292, 390)},        // on its side
+                                         {QSize(400, 1200), QRect(0, 133, 400, 934)}}) {    // taller than 9:21
+        stack.resize(window);
+        EXPECT_EQ(first->portraitRect(), region) << window.width() << "x" << window.height();
+    }
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
-// vextil_screenshots [--out DIR] [--locale NAME]: renders the toolkit's screen parts offscreen at 390x844 and
-// 1080x1920 and saves one PNG per view and state. The camera picture is a frame of the sample
-// clip; the camera screen is assembled the way its controller lays it out. With --locale the
-// texts are in that language and the file names end in the locale's name.
+// vextil_screenshots [--out DIR] [--locale NAME]: renders the toolkit's screens offscreen at 390x844 and
+// 1080x1920 (phones), 1280x800 (a desktop window) and 844x390 (a phone on its side) and saves
+// one PNG per screen and state. The camera picture is a frame of the sample clip. With --locale
+// the texts are in that language and the file names end in the locale's name.
 
 #include <VextilToolkit/VextilConfirmController.h>
 #include <VextilToolkit/VextilDefaultColorScheme.h>
+#include <VextilToolkit/VextilFaceCameraViewController.h>
+#include <VextilToolkit/VextilFrameSource.h>
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
@@ -25,34 +27,39 @@
 
 namespace {
 
-// The camera screen's three parts in their places: bar 9% of the height, progress box 150 at
-// the bottom, the camera picture between them.
+// A camera that is there and sends nothing: the screenshots put the pictures in themselves.
+class StillCamera : public VextilFrameSource {
+public:
+    void start() override { m_running = true; }
+    void stop() override { m_running = false; }
+    bool isRunning() const override { return m_running; }
+    QString description() const override { return QStringLiteral("still camera"); }
+    bool isAvailable() const override { return true; }
+
+private:
+    bool m_running = false;
+};
+
+// The camera screen as the flow shows it, over a host window of the given size, with a frame
+// of the clip in its preview.
 struct CameraScreen {
     QWidget screen;
-    NavigationBarView *bar;
+    VextilFaceCameraViewController *controller;
     VextilFaceCameraView *camera;
     VextilFaceProgressBoxView *box;
 
     CameraScreen(QSize size, const QImage &frame)
     {
         screen.resize(size);
-        QPalette palette;
-        palette.setColor(QPalette::Window, Qt::black);
-        screen.setPalette(palette);
-        screen.setAutoFillBackground(true);
-        bar = new NavigationBarView(VextilTexts::tr("Register selfie"), true, &screen);
-        for (auto set : {&NavigationBarView::setTitleLabelTintColor, &NavigationBarView::setBackButtonTintColor,
-                         &NavigationBarView::setHelpButtonTintColor})
-            (bar->*set)(Qt::white);
-        camera = new VextilFaceCameraView(&screen);
-        box = new VextilFaceProgressBoxView(&screen);
-        const int barHeight = int(size.height() * 0.09);
-        bar->setGeometry(0, 0, size.width(), barHeight);
-        box->setGeometry(0, size.height() - 150, size.width(), 150);
-        camera->setGeometry(0, barHeight, size.width(), size.height() - 150 - barHeight);
-        camera->videoPreviewLayer()->setFrame(frame);
-        box->updateInstructionsLabelWithText(VextilTexts::tr("Looking for face"));
         screen.show();
+        controller = new VextilFaceCameraViewController;
+        controller->setPresentTutorial(false);
+        controller->setFrameSource(std::make_unique<StillCamera>());
+        VextilBaseViewController::present(&screen, controller, false);
+        settle();
+        camera = controller->faceCameraView();
+        box = controller->faceProgressBoxView();
+        camera->videoPreviewLayer()->setFrame(frame);
         settle();
     }
 
@@ -104,10 +111,15 @@ int main(int argc, char **argv)
 
     const QImage neutral = clipFrame(40), smiling = clipFrame(120);
     bool ok = true;
-    for (const QSize size : {QSize(390, 844), QSize(1080, 1920)}) {
+    for (const QSize size : {QSize(390, 844), QSize(1080, 1920), QSize(1280, 800), QSize(844, 390)}) {
         const QString suffix = QStringLiteral("-%1x%2").arg(size.width()).arg(size.height()) + language;
         CameraScreen looking(size, neutral);
         ok &= save(looking.screen, out, QStringLiteral("camera-looking") + suffix);
+
+        CameraScreen tutorial(size, neutral);
+        tutorial.controller->presentTutorialPopUp();
+        CameraScreen::settle();
+        ok &= save(tutorial.screen, out, QStringLiteral("tutorial") + suffix);
 
         CameraScreen collecting(size, neutral);
         collecting.camera->changeMaskState();
@@ -137,11 +149,6 @@ int main(int argc, char **argv)
         CameraScreen::settle();
         ok &= save(smile.screen, out, QStringLiteral("camera-smile") + suffix);
 
-        auto *tutorial = new VextilTutorialFace(&looking.screen);
-        tutorial->setGeometry(looking.screen.rect());
-        tutorial->show();
-        CameraScreen::settle();
-        ok &= save(looking.screen, out, QStringLiteral("tutorial") + suffix);
 
         QWidget review;
         review.resize(size.width(), int(size.height() * 0.09));

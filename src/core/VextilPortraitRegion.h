@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QRectF>
+#include <QSizeF>
+
+/// The toolkit's screens are drawn for a phone held upright. In a window of another shape (a
+/// landscape desktop window, a phone turned sideways, a very tall pane) each screen lays itself
+/// out in the largest region of a phone's proportions centred in the window, and shows its
+/// background beyond it; that region stands for the screen in every proportional layout rule.
+class VextilPortraitRegion {
+public:
+    /// Narrowest proportions kept (width / height): the tallest phones, 9:21.
+    static constexpr double kNarrowest = 9.0 / 21.0;
+    /// Widest proportions kept: 3:4, a tablet held upright.
+    static constexpr double kWidest = 3.0 / 4.0;
+
+    /// The region of a window of `area`: the whole window when its proportions lie between the
+    /// two limits, otherwise the largest centred rectangle at the nearer limit. Empty for an
+    /// empty window.
+    static QRectF of(QSizeF area, double narrowest = kNarrowest, double widest = kWidest);
+};
