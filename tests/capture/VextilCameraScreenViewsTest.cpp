@@ -18,6 +18,19 @@ namespace {
 
 void settle() { QTest::qWait(50); }
 
+// The camera screen over `host`, without the tutorial, fed only by the test; null if it never shows.
+VextilFaceCameraViewController *presentCameraScreen(QWidget &host)
+{
+    auto *camera = new VextilFaceCameraViewController;
+    camera->setPresentTutorial(false);
+    camera->setFrameSource(std::make_unique<ManualSource>());
+    VextilBaseViewController::present(&host, camera, false);
+    if (!QTest::qWaitFor([&] { return camera->isVisible(); }, 2000))
+        return nullptr;
+    settle();  // the reset's own updates land first
+    return camera;
+}
+
 TEST(FaceCameraView, StartsWhiteAndEachToggleSwapsTheFrames)
 {
     VextilFaceCameraView view;
@@ -89,12 +102,8 @@ TEST(FaceCameraScreen, CarriesTheModelsCallsFromTheCaptureThreadToItsViewsInCall
     QWidget host;
     host.resize(390, 844);
     host.show();
-    auto *camera = new VextilFaceCameraViewController;
-    camera->setPresentTutorial(false);
-    camera->setFrameSource(std::make_unique<ManualSource>());
-    VextilBaseViewController::present(&host, camera, false);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return camera->isVisible(); }, 2000));
-    settle();  // the reset's own updates land first
+    VextilFaceCameraViewController *camera = presentCameraScreen(host);
+    ASSERT_NE(camera, nullptr);
     VextilFaceCameraView *view = camera->faceCameraView();
     VextilFaceProgressBoxView *box = camera->faceProgressBoxView();
     ASSERT_TRUE(view->greenMaskView()->isHidden());
@@ -169,12 +178,8 @@ TEST(FaceCameraScreen, TheFaceFrameKeepsItsPhoneShapeInAnyWindow)
         QWidget host;
         host.resize(window);
         host.show();
-        auto *camera = new VextilFaceCameraViewController;
-        camera->setPresentTutorial(false);
-        camera->setFrameSource(std::make_unique<ManualSource>());
-        VextilBaseViewController::present(&host, camera, false);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return camera->isVisible(); }, 2000));
-        settle();
+        VextilFaceCameraViewController *camera = presentCameraScreen(host);
+        ASSERT_NE(camera, nullptr);
         VextilFaceCameraView *view = camera->faceCameraView();
         const QRect placed(view->mapTo(&host, QPoint(0, 0)), view->size());
         const double aspect = double(placed.width()) / placed.height();
