@@ -103,5 +103,17 @@
         <source>The camera is not responding</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>%1, photo %2 of %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Camera preview</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tips</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -103,5 +103,17 @@
         <source>The camera is not responding</source>
         <translation>Die Kamera reagiert nicht</translation>
     </message>
+    <message>
+        <source>%1, photo %2 of %3</source>
+        <translation>%1, Foto %2 von %3</translation>
+    </message>
+    <message>
+        <source>Camera preview</source>
+        <translation>Kameravorschau</translation>
+    </message>
+    <message>
+        <source>Tips</source>
+        <translation>Tipps</translation>
+    </message>
 </context>
 </TS>

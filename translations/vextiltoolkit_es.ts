@@ -103,5 +103,17 @@
         <source>The camera is not responding</source>
         <translation>La cámara no responde</translation>
     </message>
+    <message>
+        <source>%1, photo %2 of %3</source>
+        <translation>%1, foto %2 de %3</translation>
+    </message>
+    <message>
+        <source>Camera preview</source>
+        <translation>Vista previa de la cámara</translation>
+    </message>
+    <message>
+        <source>Tips</source>
+        <translation>Consejos</translation>
+    </message>
 </context>
 </TS>

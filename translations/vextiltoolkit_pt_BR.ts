@@ -103,5 +103,17 @@
         <source>The camera is not responding</source>
         <translation>A câmera não está respondendo</translation>
     </message>
+    <message>
+        <source>%1, photo %2 of %3</source>
+        <translation>%1, foto %2 de %3</translation>
+    </message>
+    <message>
+        <source>Camera preview</source>
+        <translation>Pré-visualização da câmera</translation>
+    </message>
+    <message>
+        <source>Tips</source>
+        <translation>Dicas</translation>
+    </message>
 </context>
 </TS>

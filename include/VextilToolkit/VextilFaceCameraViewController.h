@@ -94,6 +94,7 @@ protected:
     void showEvent(QShowEvent *) override;
 
 private:
+    void focusStatus();
     void setupView();
     void setupConstraints();
     void setupCamera();

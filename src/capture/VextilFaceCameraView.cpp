@@ -41,6 +41,8 @@ void VextilFaceCameraView::paintEvent(QPaintEvent *)
 void VextilFaceCameraView::setupViews()
 {
     m_preview = new VextilVideoPreview(this);
+    VextilAccessibility::setRole(m_preview, QAccessible::Animation);  // the live picture
+    m_preview->setAccessibleName(VextilTexts::tr("Camera preview"));
     m_whiteMask = new VextilImageView(QStringLiteral("borda_branca"), this);
     m_whiteMask->setContentMode(VextilImageView::ContentMode::ScaleAspectFill);
     m_greenMask = new VextilImageView(QStringLiteral("borda_verde"), this);
@@ -90,7 +92,5 @@ void VextilFaceCameraView::changeMaskState()
 void VextilFaceCameraView::isPopupHidden(bool hidden)
 {
     m_popup->setHidden(hidden);
-    m_popupLabel->setHidden(hidden);
-    if (!hidden)
-        VextilAccessibility::announceAlert(m_popupLabel);  // "SMILE!" is read out as it appears
+    m_popupLabel->setHidden(hidden);  // spoken through the screen's status, which has the focus
 }

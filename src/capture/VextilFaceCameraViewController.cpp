@@ -102,10 +102,20 @@ void VextilFaceCameraViewController::viewWillAppear(bool animated)
 void VextilFaceCameraViewController::viewDidAppear(bool)
 {
     m_model->setViewSize(m_faceCameraView ? QSizeF(m_faceCameraView->size()) : QSizeF(0, 0));
+    focusStatus();
+}
+
+void VextilFaceCameraViewController::focusStatus()
+{
+    // The status holds the focus while the capture runs, so that its changes are spoken; the
+    // tutorial keeps it while it is up and hands it back as it closes.
+    if (!m_isPresentingTutorial && m_faceProgressBoxView && isVisible() && !isBeingDismissed())
+        m_faceProgressBoxView->statusView()->setFocus(Qt::OtherFocusReason);
 }
 
 void VextilFaceCameraViewController::setupView()
 {
+    setAccessibleName(VextilTexts::tr("Register selfie"));
     m_navigationView = new NavigationBarView(VextilTexts::tr("Register selfie"), true, this);
     connect(m_navigationView->helpButton(), &QAbstractButton::pressed, this,
             &VextilFaceCameraViewController::presentTutorialPopUp);
@@ -264,7 +274,10 @@ void VextilFaceCameraViewController::changeMaskState()
 
 void VextilFaceCameraViewController::isPopupViewHidden(bool hidden)
 {
-    onGuiThread([this, hidden] { m_faceCameraView->isPopupHidden(hidden); });
+    onGuiThread([this, hidden] {
+        m_faceCameraView->isPopupHidden(hidden);
+        m_faceProgressBoxView->setSmilePrompt(!hidden);
+    });
 }
 
 VextilCaptureStats VextilFaceCameraViewController::captureStats() const
@@ -324,8 +337,10 @@ void VextilFaceCameraViewController::presentTutorialPopUp()
     m_isPresentingTutorial = true;
     auto *tutorial = new VextilTutorialFace(this);
     tutorial->setCompletionHandler([self = QPointer<VextilFaceCameraViewController>(this)] {
-        if (self)
+        if (self) {
             self->m_isPresentingTutorial = false;
+            self->focusStatus();
+        }
     });
     tutorial->setGeometry(rect());
     tutorial->fadeIn(100);

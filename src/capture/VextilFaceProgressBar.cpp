@@ -7,14 +7,14 @@
 
 VextilFaceProgressBar::VextilFaceProgressBar(QWidget *parent) : QWidget(parent)
 {
-    VextilAccessibility::install();  // a progress bar with a value, to assistive technology
+    VextilAccessibility::install();  // a progress bar, to assistive technology
 }
 
 void VextilFaceProgressBar::updateProgress(double progress)
 {
     m_hasFill = true;
     m_strokeEnd = progress;
-    VextilAccessibility::announceValue(this, progress);
+    VextilAccessibility::setDescription(this, QStringLiteral("%1%").arg(qRound(progress * 100)));
     if (m_animation)
         m_animation->stop();  // deletes itself; the fill goes on from where it stands
     m_animation = new QVariantAnimation(this);

@@ -1,5 +1,6 @@
 #include "capture/VextilFaceProgressBoxView.h"
 
+#include "capture/VextilCaptureStatusText.h"
 #include "core/VextilTexts.h"
 #include "ui/VextilFrame.h"
 
@@ -22,6 +23,15 @@ void VextilFaceProgressBoxView::setupViews()
     m_label->setPalette(palette);
     m_bar = new VextilFaceProgressBar(this);
     m_bar->setAccessibleName(VextilTexts::tr("Progress"));
+    // The line holds the keyboard focus while the capture runs: screen readers speak changes of
+    // the focused object's name, and Qt's AT-SPI bridge drops alerts.
+    m_label->setFocusable(true);
+    m_label->setAccessibleNameFor([this](const QString &instruction) { return statusText(instruction); });
+}
+
+QString VextilFaceProgressBoxView::statusText(const QString &instruction) const
+{
+    return VextilCaptureStatusText::compose(instruction, m_progress, !m_bar->isHidden(), m_smile);
 }
 
 void VextilFaceProgressBoxView::setupConstraints()
@@ -34,7 +44,9 @@ void VextilFaceProgressBoxView::setupConstraints()
 
 void VextilFaceProgressBoxView::updateProgress(double progress)
 {
+    m_progress = progress;
     m_bar->updateProgress(progress);
+    m_label->refreshAccessibleName();
 }
 
 void VextilFaceProgressBoxView::updateInstructionsLabelWithText(const QString &text)
@@ -45,4 +57,11 @@ void VextilFaceProgressBoxView::updateInstructionsLabelWithText(const QString &t
 void VextilFaceProgressBoxView::isProgressBarHidden(bool hidden)
 {
     m_bar->setHidden(hidden);
+    m_label->refreshAccessibleName();
+}
+
+void VextilFaceProgressBoxView::setSmilePrompt(bool shown)
+{
+    m_smile = shown;
+    m_label->refreshAccessibleName();
 }

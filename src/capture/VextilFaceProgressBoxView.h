@@ -22,6 +22,11 @@ public:
     void updateInstructionsLabelWithText(const QString &text);
     /// Hides or shows the bar (the label stays).
     void isProgressBarHidden(bool hidden);
+    /// Whether the smile is being asked for: the status says "SMILE!" while it is.
+    void setSmilePrompt(bool shown);
+    /// The focusable status (the instructions line), whose accessible name says the whole state
+    /// (see VextilCaptureStatusText); a screen reader speaks it as it changes.
+    QWidget *statusView() const { return m_label; }
 
 protected:
     void resizeEvent(QResizeEvent *) override { setupConstraints(); }
@@ -29,8 +34,11 @@ protected:
 private:
     void setupViews();
     void setupConstraints();
+    QString statusText(const QString &instruction) const;
 
     VextilLabel *m_label = nullptr;
+    double m_progress = 0;
+    bool m_smile = false;
     QColor m_defaultColor;
     VextilFaceProgressBar *m_bar = nullptr;
 };

@@ -29,6 +29,7 @@ void VextilConfirmController::viewDidLoad()
 
 void VextilConfirmController::setupViews()
 {
+    setAccessibleName(m_model->getNavigationTitle());
     m_navigationBar = new NavigationBarView(m_model->getNavigationTitle(), false, this);
     connect(m_navigationBar->backButton(), &QAbstractButton::pressed, this, &VextilConfirmController::didCancel);
     m_confirmView = new VextilConfirmView(this);

@@ -1,6 +1,7 @@
 #include "tutorial/VextilTutorialFace.h"
 
 #include "core/VextilTexts.h"
+#include "ui/VextilAccessibility.h"
 #include "ui/VextilSchemeAccess.h"
 
 #include <QCoreApplication>
@@ -23,6 +24,8 @@ VextilTutorialFace::VextilTutorialFace(QWidget *parent) : VextilTutorialView(par
 
 void VextilTutorialFace::setupViews()
 {
+    VextilAccessibility::setRole(this, QAccessible::Dialog);
+    setAccessibleName(VextilTexts::tr("Tips"));
     const QColor iconColor = currentColorScheme()->popUpIconColorForState(kVextilHighlighted);
     const QStringList images{QStringLiteral("ilustra_light"), QStringLiteral("ilustraHat"), QStringLiteral("ilustraSmile"),
                              QStringLiteral("ilustra_automatic")};
@@ -33,7 +36,7 @@ void VextilTutorialFace::setupViews()
         const QString text = VextilTexts::tr(kTips[i]);
         labels[i]->setText(text);
         icons[i]->setImageName(images[i]);
-        icons[i]->setAccessibleName(text);
+        VextilAccessibility::setDecorative(icons[i]);  // the caption beside it is the tip, read once
         icons[i]->setTintColor(iconColor);  // all four in one colour, as templates
     }
     updateConstraints();

@@ -2,6 +2,7 @@
 
 #include "core/VextilPortraitRegion.h"
 #include "core/VextilTexts.h"
+#include "ui/VextilFocusTrap.h"
 #include "ui/VextilFrame.h"
 #include "ui/VextilSchemeAccess.h"
 
@@ -112,6 +113,7 @@ private:
 
 VextilTutorialView::VextilTutorialView(QWidget *parent) : QWidget(parent)
 {
+    VextilFocusTrap::setScope(this);  // while it is up, the keyboard stays on its button
     addBlurEffectView();
 }
 

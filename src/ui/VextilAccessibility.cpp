@@ -5,35 +5,50 @@
 
 namespace {
 
-// A progress bar whose value is the widget's "strokeEnd" property, from 0 to 1.
-class AccessibleProgress : public QAccessibleWidget, public QAccessibleValueInterface {
-public:
-    explicit AccessibleProgress(QWidget *widget) : QAccessibleWidget(widget, QAccessible::ProgressBar) {}
-    void *interface_cast(QAccessible::InterfaceType type) override
-    {
-        return type == QAccessible::ValueInterface ? static_cast<QAccessibleValueInterface *>(this)
-                                                   : QAccessibleWidget::interface_cast(type);
-    }
-    QVariant currentValue() const override { return widget()->property("strokeEnd"); }
-    void setCurrentValue(const QVariant &) override {}  // shown, not set by the user
-    QVariant maximumValue() const override { return 1.0; }
-    QVariant minimumValue() const override { return 0.0; }
-    QVariant minimumStepSize() const override { return 0.2; }
-};
-
 const char *const kRoleProperty = "vextilAccessibleRole";
+const char *const kDecorativeProperty = "vextilDecorative";
+const char *const kHoldsDecorativeProperty = "vextilHoldsDecorative";
+
+// A widget whose decorative children (pictures that repeat a caption beside them) are left out
+// of what assistive technology walks, so that each text is read once.
+class WithoutDecoration : public QAccessibleWidget {
+public:
+    explicit WithoutDecoration(QWidget *widget) : QAccessibleWidget(widget) {}
+    int childCount() const override { return int(shown().size()); }
+    QAccessibleInterface *child(int index) const override
+    {
+        const QWidgetList children = shown();
+        return index >= 0 && index < children.size() ? QAccessible::queryAccessibleInterface(children[index]) : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface *child) const override
+    {
+        return child ? int(shown().indexOf(qobject_cast<QWidget *>(child->object()))) : -1;
+    }
+
+private:
+    QWidgetList shown() const
+    {
+        QWidgetList children;
+        for (QObject *object : widget()->children())
+            if (auto *child = qobject_cast<QWidget *>(object); child && !child->isWindow() && !child->property(kDecorativeProperty).toBool())
+                children.append(child);
+        return children;
+    }
+};
 
 QAccessibleInterface *factory(const QString &className, QObject *object)
 {
     auto *widget = qobject_cast<QWidget *>(object);
     if (!widget)
         return nullptr;
+    if (widget->property(kHoldsDecorativeProperty).toBool())
+        return new WithoutDecoration(widget);
     if (const QVariant role = widget->property(kRoleProperty); role.isValid())
         return new QAccessibleWidget(widget, QAccessible::Role(role.toInt()));
     if (className == QLatin1String("VextilImageView"))
         return new QAccessibleWidget(widget, QAccessible::Graphic);
-    if (className == QLatin1String("VextilFaceProgressBar"))
-        return new AccessibleProgress(widget);
+    if (className == QLatin1String("VextilFaceProgressBar"))  // its fill is told as its description
+        return new QAccessibleWidget(widget, QAccessible::ProgressBar);
     return nullptr;
 }
 
@@ -54,14 +69,19 @@ void VextilAccessibility::setRole(QWidget *widget, QAccessible::Role role)
     widget->setProperty(kRoleProperty, int(role));
 }
 
-void VextilAccessibility::announceValue(QObject *object, double value)
+void VextilAccessibility::setDecorative(QWidget *widget)
 {
-    QAccessibleValueChangeEvent event(object, value);
-    QAccessible::updateAccessibility(&event);
+    install();
+    widget->setProperty(kDecorativeProperty, true);
+    if (QWidget *parent = widget->parentWidget())
+        parent->setProperty(kHoldsDecorativeProperty, true);
 }
 
-void VextilAccessibility::announceAlert(QObject *object)
+void VextilAccessibility::setDescription(QWidget *widget, const QString &description)
 {
-    QAccessibleEvent event(object, QAccessible::Alert);
+    if (widget->accessibleDescription() == description)
+        return;  // told once per change
+    widget->setAccessibleDescription(description);
+    QAccessibleEvent event(widget, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&event);
 }

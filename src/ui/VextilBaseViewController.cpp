@@ -3,6 +3,7 @@
 #include "core/VextilMainQueue.h"
 #include "core/VextilPortraitLock.h"
 #include "core/VextilPortraitRegion.h"
+#include "ui/VextilFocusTrap.h"
 
 #include <QEvent>
 #include <QPropertyAnimation>
@@ -17,7 +18,11 @@ VextilBaseViewController::VextilBaseViewController(QWidget *parent) : QWidget(pa
     setAutoFillBackground(true);
 }
 
-VextilBaseViewController::~VextilBaseViewController() { holdPortrait(false); }
+VextilBaseViewController::~VextilBaseViewController()
+{
+    holdPortrait(false);
+    VextilFocusTrap::screenHidden(this);
+}
 
 void VextilBaseViewController::holdPortrait(bool hold)
 {
@@ -106,7 +111,9 @@ bool VextilBaseViewController::presentsAbove(const QWidget *widget) const
 void VextilBaseViewController::appear(bool animated, std::function<void()> completion)
 {
     m_beingDismissed = false;
-    holdPortrait(true);  // a phone stays upright while a screen shows
+    holdPortrait(true);                  // a phone stays upright while a screen shows
+    VextilFocusTrap::screenShown(this);  // and the keyboard on the top-most one (first: the
+                                         // screen may take the focus as it loads)
     loadViewIfNeeded();
     viewWillAppear(animated);
     show();
@@ -153,6 +160,7 @@ void VextilBaseViewController::disappear(bool animated, std::function<void()> co
     const auto finish = [this, animated, completion = std::move(completion)] {
         hide();
         holdPortrait(false);
+        VextilFocusTrap::screenHidden(this);
         if (QWidget *window = parentWidget())
             window->removeEventFilter(this);
         // The screen underneath appears again, as when a modal screen goes.

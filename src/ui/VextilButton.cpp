@@ -3,9 +3,10 @@
 #include "ui/VextilImages.h"
 
 #include <QFontMetricsF>
-#include <QFocusEvent>
 #include <QPainter>
 #include <QPainterPath>
+
+#include <algorithm>
 
 VextilButton::VextilButton(QWidget *parent) : QAbstractButton(parent)
 {
@@ -33,18 +34,6 @@ QSize VextilButton::sizeHint() const
     return (content.grownBy(m_contentInsets)).toSize();
 }
 
-void VextilButton::focusInEvent(QFocusEvent *event)
-{
-    m_keyboardFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
-    QAbstractButton::focusInEvent(event);
-}
-
-void VextilButton::focusOutEvent(QFocusEvent *event)
-{
-    m_keyboardFocus = false;
-    QAbstractButton::focusOutEvent(event);
-}
-
 void VextilButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
@@ -55,9 +44,13 @@ void VextilButton::paintEvent(QPaintEvent *)
         painter.fillPath(shape, isDown() ? m_background.darker(115) : m_background);
     }
     if (showsFocusRing()) {
-        // Only for the keyboard: a tap or a focus given on appearing shows nothing.
-        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), m_radius, m_radius);
+        // Whenever the button has the focus (given on appearing too: a keyboard user must see
+        // where Space will act), in the button's own ink, just inside its edge.
+        const QColor ink = text().isEmpty() && m_tint.isValid() ? m_tint : m_titleColor;
+        painter.setPen(QPen(ink, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(3, 3, -3, -3), std::max<qreal>(0, m_radius - 2),
+                                std::max<qreal>(0, m_radius - 2));
     }
     const QRectF content = QRectF(rect()).marginsRemoved(m_contentInsets);
     const QSizeF image = imageSize();

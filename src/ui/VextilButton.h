@@ -35,13 +35,11 @@ public:
 
     /// Image and title side by side plus the content insets.
     QSize sizeHint() const override;
-    /// Whether the focus ring shows: the button has the focus and the keyboard moved it there.
-    bool showsFocusRing() const { return hasFocus() && m_keyboardFocus; }
+    /// Whether the focus ring shows: whenever the button has the keyboard focus.
+    bool showsFocusRing() const { return hasFocus(); }
 
 protected:
     void paintEvent(QPaintEvent *) override;
-    void focusInEvent(QFocusEvent *event) override;
-    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     QSizeF imageSize() const;
@@ -49,7 +47,6 @@ private:
     QColor m_tint = Qt::black, m_titleColor = Qt::black, m_background;
     qreal m_radius = 0;
     QMarginsF m_contentInsets, m_imageInsets, m_titleInsets;
-    bool m_keyboardFocus = false;
 };
 
 /// Separates a button's image and title by `spacing` while the pair stays centred: image

@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QFontMetricsF>
+#include <QPainter>
 #include <QTextLayout>
 
 VextilLabel::VextilLabel(QWidget *parent) : QLabel(parent), m_baseFont(font()) {}
@@ -35,10 +36,40 @@ void VextilLabel::setText(const QString &text)
     if (text == m_text)
         return;
     m_text = text;
-    setAccessibleName(text);
     fit();
+    refreshAccessibleName();
+}
+
+void VextilLabel::setAccessibleNameFor(std::function<QString(const QString &)> name)
+{
+    m_nameFor = std::move(name);
+    refreshAccessibleName();
+}
+
+void VextilLabel::refreshAccessibleName()
+{
+    const QString name = m_nameFor ? m_nameFor(m_text) : m_text;
+    if (name == accessibleName())
+        return;
+    setAccessibleName(name);
     QAccessibleEvent changed(this, QAccessible::NameChanged);
     QAccessible::updateAccessibility(&changed);
+}
+
+void VextilLabel::setFocusable(bool focusable)
+{
+    setFocusPolicy(focusable ? Qt::TabFocus : Qt::NoFocus);
+}
+
+void VextilLabel::paintEvent(QPaintEvent *event)
+{
+    QLabel::paintEvent(event);
+    if (!hasFocus())
+        return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(palette().color(QPalette::WindowText), 2));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
 }
 
 void VextilLabel::resizeEvent(QResizeEvent *event)

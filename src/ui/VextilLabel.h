@@ -2,6 +2,8 @@
 
 #include <QLabel>
 
+#include <functional>
+
 /// A label that can shrink its font to fit its width before eliding, down to a minimum scale, or
 /// wrap to a number of lines and elide the last.
 class VextilLabel : public QLabel {
@@ -21,15 +23,24 @@ public:
     void setMaximumLines(int lines);
     /// Sets the text, announcing the change to assistive technology.
     void setText(const QString &text);
+    /// Makes the accessible name from the text (by default the text itself); the name is
+    /// announced only when it changes.
+    void setAccessibleNameFor(std::function<QString(const QString &text)> name);
+    /// Makes the name again (what it is made from has changed) and announces it if it differs.
+    void refreshAccessibleName();
+    /// Lets the label take the keyboard focus (Tab stops on it), with a ring in its text colour.
+    void setFocusable(bool focusable);
     /// The whole text, even when it is shown elided.
     QString fullText() const { return m_text; }
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     void fit();
     QString wrappedText() const;
+    std::function<QString(const QString &)> m_nameFor;
     QString m_text;
     QFont m_baseFont;
     bool m_adjusts = false;

@@ -8,8 +8,11 @@
 #include "ManualSource.h"
 #include "review/VextilConfirmView.h"
 #include "tutorial/VextilTutorialFace.h"
+#include "ui/NavigationBarView.h"
 
 #include <QAccessible>
+#include <QApplication>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -49,7 +52,22 @@ protected:
     QWidget host;
 };
 
-TEST_F(Accessibility, TheCameraScreenNamesItsPartsAndItsProgressBarHasAValue)
+// Every accessible name on a screen, of any role.
+QStringList allNames(QAccessibleInterface *node)
+{
+    QStringList names;
+    if (!node || node->state().invisible)
+        return names;
+    if (const QString name = node->text(QAccessible::Name); !name.isEmpty())
+        names.append(name);
+    for (int i = 0; i < node->childCount(); ++i)
+        names += allNames(node->child(i));
+    return names;
+}
+
+// Events themselves go out only through a platform bridge, which the offscreen platform lacks:
+// the real-stack test (tests/accessibility) listens to them; here, what they would carry.
+TEST_F(Accessibility, TheCameraScreensStatusHoldsTheFocusAndSaysTheWholeState)
 {
     auto *camera = new VextilFaceCameraViewController;
     camera->setPresentTutorial(false);
@@ -65,22 +83,35 @@ TEST_F(Accessibility, TheCameraScreenNamesItsPartsAndItsProgressBarHasAValue)
     EXPECT_TRUE(walk.named[QAccessible::Graphic].contains("Face frame"));
     EXPECT_TRUE(walk.named[QAccessible::Graphic].contains("Vextil"));
     ASSERT_EQ(walk.named[QAccessible::ProgressBar], QStringList{"Progress"});
+    EXPECT_TRUE(allNames(QAccessible::queryAccessibleInterface(camera)).contains("Camera preview"));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(camera)->text(QAccessible::Name), "Register selfie");
 
-    // The announcements themselves go out through QAccessible::updateAccessibility, which the
-    // offscreen platform (no accessibility backend) drops: what a reader would be told is checked.
-    camera->faceProgressBoxView()->updateInstructionsLabelWithText(QStringLiteral("Checking your face"));
-    camera->faceProgressBoxView()->updateProgress(0.4);
-    camera->faceCameraView()->isPopupHidden(false);
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(camera->faceProgressBoxView()->instructionsLabel())->text(QAccessible::Name),
-              "Checking your face");
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(camera->faceCameraView()->popupLabel())->text(QAccessible::Name), "SMILE!");
-    auto *progress = QAccessible::queryAccessibleInterface(camera->faceProgressBoxView()->faceProgressBar());
-    ASSERT_NE(progress->valueInterface(), nullptr);
-    EXPECT_EQ(progress->valueInterface()->currentValue().toDouble(), 0.4);
+    // The status line has the focus, and its name tells the whole state as it changes.
+    VextilFaceProgressBoxView *box = camera->faceProgressBoxView();
+    QWidget *status = box->statusView();
+    ASSERT_TRUE(status->hasFocus()) << "screen readers speak the focused object's changes";
+    const auto said = [status] { return QAccessible::queryAccessibleInterface(status)->text(QAccessible::Name); };
+    box->updateInstructionsLabelWithText(QStringLiteral("Checking your face"));
+    EXPECT_EQ(said(), "Checking your face");
+    box->updateProgress(0.4);
+    EXPECT_EQ(said(), "Checking your face, photo 2 of 5");
+    camera->isPopupViewHidden(false);  // as the model asks for the smile
+    QTest::qWait(20);
+    EXPECT_EQ(said(), "SMILE!");
+    camera->isPopupViewHidden(true);
+    box->isProgressBarHidden(true);
+    QTest::qWait(20);
+    EXPECT_EQ(said(), "Checking your face") << "no progress while the bar is hidden";
+
+    // The progress bar: its fill as a description, and no actions to offer.
+    auto *progress = QAccessible::queryAccessibleInterface(box->faceProgressBar());
+    EXPECT_EQ(progress->valueInterface(), nullptr) << "a value would bring increase and decrease actions";
+    EXPECT_TRUE(!progress->actionInterface() || progress->actionInterface()->actionNames().isEmpty());
+    EXPECT_EQ(progress->text(QAccessible::Description), "40%");
     delete camera;
 }
 
-TEST_F(Accessibility, TheTutorialAndTheReviewAreNamedAndAnsweredFromTheKeyboard)
+TEST_F(Accessibility, TheTutorialAndTheReviewAreNamedReadOnceAndAnsweredFromTheKeyboard)
 {
     QPointer<VextilTutorialFace> tutorial = new VextilTutorialFace(&host);
     tutorial->setGeometry(host.rect());
@@ -90,9 +121,13 @@ TEST_F(Accessibility, TheTutorialAndTheReviewAreNamedAndAnsweredFromTheKeyboard)
     QTest::qWait(50);
     const Walk tips(tutorial);
     EXPECT_TRUE(tips.unnamed.isEmpty()) << tips.unnamed.join(", ").toStdString();
-    EXPECT_EQ(tips.named[QAccessible::Graphic].size(), 4) << "each tip's picture carries its text";
     EXPECT_TRUE(tips.named[QAccessible::Button].contains("OK, I got it"));
+    const QStringList names = allNames(QAccessible::queryAccessibleInterface(tutorial));
+    EXPECT_EQ(names.first(), "Tips");
+    for (const char *tip : {"Smile to save the photo", "The photo is taken automatically", "Remove any glasses and hat"})
+        EXPECT_EQ(names.count(QString::fromUtf8(tip)), 1) << tip << " is read once";
     EXPECT_TRUE(tutorial->nextButton()->hasFocus());
+    EXPECT_TRUE(tutorial->nextButton()->showsFocusRing()) << "the focus shows where it is from the start";
     QTest::keyClick(tutorial->nextButton(), Qt::Key_Space);
     EXPECT_TRUE(QTest::qWaitFor([&] { return closed; }, 2000)) << "the space bar answers it";
 
@@ -110,18 +145,95 @@ TEST_F(Accessibility, TheTutorialAndTheReviewAreNamedAndAnsweredFromTheKeyboard)
     EXPECT_TRUE(screen.named[QAccessible::Graphic].contains("Captured photo"));
     EXPECT_TRUE(screen.named[QAccessible::Button].contains("Yes, send"));
     EXPECT_TRUE(screen.named[QAccessible::Button].contains("No, take another photo."));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(review)->text(QAccessible::Name), "Send selfie");
 
     QSignalSpy accept(review->confirmView()->acceptButton(), &QAbstractButton::pressed);
     QSignalSpy retake(review->confirmView()->cancelButton(), &QAbstractButton::pressed);
-    EXPECT_FALSE(review->confirmView()->acceptButton()->showsFocusRing()) << "no ring until the keyboard is used";
+    EXPECT_TRUE(review->confirmView()->acceptButton()->showsFocusRing()) << "a ring from the start";
     QTest::keyClick(review->confirmView()->acceptButton(), Qt::Key_Tab);
     EXPECT_TRUE(review->confirmView()->cancelButton()->hasFocus()) << "Tab reaches the other answer";
     EXPECT_TRUE(review->confirmView()->cancelButton()->showsFocusRing()) << "and shows where it is";
+    EXPECT_FALSE(review->confirmView()->acceptButton()->showsFocusRing());
     QTest::keyClick(review->confirmView()->cancelButton(), Qt::Key_Space);
     EXPECT_EQ(retake.count(), 1);
     EXPECT_EQ(accept.count(), 0);
     QTest::qWait(100);
     delete review;
+}
+
+// Focus, step by step, in a host window with a button of its own: the keyboard stays in the
+// top-most screen (tutorial, camera screen, review) and comes back to the host's button at the end.
+TEST_F(Accessibility, TheKeyboardStaysInTheTopScreenAndReturnsToTheHostAtTheEnd)
+{
+    auto *firstButton = new QPushButton(QStringLiteral("Settings"), &host);  // first in the host's tab order
+    firstButton->setGeometry(10, 60, 200, 40);
+    firstButton->show();
+    auto *hostButton = new QPushButton(QStringLiteral("Take selfie"), &host);
+    hostButton->setGeometry(10, 10, 200, 40);
+    hostButton->show();
+    hostButton->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return hostButton->hasFocus(); }, 1000));
+    QSignalSpy hostPressed(hostButton, &QAbstractButton::pressed);
+
+    auto *camera = new VextilFaceCameraViewController;  // with the tutorial, as by default
+    camera->setFrameSource(std::make_unique<ManualSource>());
+    VextilBaseViewController::present(&host, camera, false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return camera->isPresentingTutorial() && QApplication::focusWidget(); }, 2000));
+    auto *tutorial = camera->findChild<VextilTutorialFace *>();
+    ASSERT_NE(tutorial, nullptr);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return tutorial->nextButton()->hasFocus(); }, 2000));
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(QApplication::focusWidget(), tutorial->nextButton()) << "the tutorial's one button, nothing under it";
+    }
+    camera->navigationView()->backButton()->setFocus();  // as a stray click or a reader's focus action would
+    EXPECT_EQ(QApplication::focusWidget(), tutorial->nextButton()) << "a covered control takes no focus";
+    QTest::keyClick(tutorial->nextButton(), Qt::Key_Space);
+    QWidget *status = camera->faceProgressBoxView()->statusView();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return status->hasFocus(); }, 2000)) << "the status takes the focus back";
+
+    // The camera screen: status, Back, Help, round again, and backwards.
+    QList<QWidget *> visited;
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        visited.append(QApplication::focusWidget());
+    }
+    EXPECT_EQ(visited, (QList<QWidget *>{camera->navigationView()->backButton(), camera->navigationView()->helpButton(), status}));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    EXPECT_EQ(QApplication::focusWidget(), camera->navigationView()->helpButton());
+
+    // The review over it: its own three buttons only.
+    auto *store = VextilRepository::sharedInstance();
+    QImage photo(120, 160, QImage::Format_RGB32);
+    photo.fill(Qt::darkCyan);
+    store->setFaceImages(std::make_shared<QList<QImage>>(5, photo));
+    store->setFaceSmileImages(std::make_shared<QList<QImage>>(2, photo));
+    auto *review = new VextilConfirmController;
+    review->setModel(new VextilConfirmModel);
+    camera->presentViewController(review, false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return review->confirmView() && review->confirmView()->acceptButton()->hasFocus(); }, 2000));
+    QSet<QWidget *> reached;
+    for (int i = 0; i < 7; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), i % 2 ? Qt::Key_Backtab : Qt::Key_Tab);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        reached.insert(QApplication::focusWidget());
+        EXPECT_TRUE(review->isAncestorOf(QApplication::focusWidget())) << "never a covered control or the host's";
+    }
+    EXPECT_EQ(reached.size(), 3) << "Back, Yes and No";
+    hostButton->setFocus();
+    EXPECT_TRUE(review->isAncestorOf(QApplication::focusWidget())) << "the host's window takes no focus";
+    EXPECT_EQ(hostPressed.count(), 0);
+
+    // The flow ends: the focus is where the host had it.
+    bool gone = false;
+    camera->dismissViewControllerAnimated(false, [&] { gone = true; });  // the review with it
+    ASSERT_TRUE(QTest::qWaitFor([&] { return gone; }, 2000));
+    camera->dismissViewControllerAnimated(false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !camera->isVisible(); }, 2000));
+    QTest::qWait(20);
+    EXPECT_TRUE(hostButton->hasFocus()) << "the focus returns to where the host had it";
+    delete review;
+    delete camera;
 }
 
 }  // namespace
