@@ -14,6 +14,7 @@ packages=(
   doxygen dpkg-dev
   qt6-l10n-tools qt6-tools-dev
   libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base gstreamer1.0-plugins-good
+  xvfb dbus-x11 at-spi2-core python3-pyatspi gir1.2-atspi-2.0 xdotool
 )
 
 missing=()

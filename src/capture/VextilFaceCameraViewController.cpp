@@ -108,9 +108,12 @@ void VextilFaceCameraViewController::viewDidAppear(bool)
 void VextilFaceCameraViewController::focusStatus()
 {
     // The status holds the focus while the capture runs, so that its changes are spoken; the
-    // tutorial keeps it while it is up and hands it back as it closes.
-    if (!m_isPresentingTutorial && m_faceProgressBoxView && isVisible() && !isBeingDismissed())
-        m_faceProgressBoxView->statusView()->setFocus(Qt::OtherFocusReason);
+    // tutorial keeps it while it is up and hands it back as it closes. A moment later, and only
+    // if the screen is staying (see viewWillAppear).
+    onGuiThread([this] {
+        if (!m_isPresentingTutorial && m_faceProgressBoxView && isVisible() && !isBeingDismissed())
+            m_faceProgressBoxView->statusView()->setFocus(Qt::OtherFocusReason);
+    });
 }
 
 void VextilFaceCameraViewController::setupView()

@@ -27,6 +27,17 @@ void VextilFaceProgressBoxView::setupViews()
     // the focused object's name, and Qt's AT-SPI bridge drops alerts.
     m_label->setFocusable(true);
     m_label->setAccessibleNameFor([this](const QString &instruction) { return statusText(instruction); });
+    // One frame's changes (a new instruction and a new photo, say) come as separate calls: the
+    // status is said once they have all landed, as one sentence.
+    m_statusSettles.setSingleShot(true);
+    m_statusSettles.setInterval(kStatusSettlesMs);
+    connect(&m_statusSettles, &QTimer::timeout, m_label, &VextilLabel::refreshAccessibleName);
+}
+
+void VextilFaceProgressBoxView::statusChanged()
+{
+    if (!m_statusSettles.isActive())
+        m_statusSettles.start();
 }
 
 QString VextilFaceProgressBoxView::statusText(const QString &instruction) const
@@ -46,22 +57,23 @@ void VextilFaceProgressBoxView::updateProgress(double progress)
 {
     m_progress = progress;
     m_bar->updateProgress(progress);
-    m_label->refreshAccessibleName();
+    statusChanged();
 }
 
 void VextilFaceProgressBoxView::updateInstructionsLabelWithText(const QString &text)
 {
-    m_label->setText(text);
+    m_label->setText(text, false);
+    statusChanged();
 }
 
 void VextilFaceProgressBoxView::isProgressBarHidden(bool hidden)
 {
     m_bar->setHidden(hidden);
-    m_label->refreshAccessibleName();
+    statusChanged();
 }
 
 void VextilFaceProgressBoxView::setSmilePrompt(bool shown)
 {
     m_smile = shown;
-    m_label->refreshAccessibleName();
+    statusChanged();
 }

@@ -3,6 +3,7 @@
 #include "capture/VextilFaceProgressBar.h"
 #include "ui/VextilLabel.h"
 
+#include <QTimer>
 #include <QWidget>
 
 /// The camera screen's instructions line above the progress bar. GUI thread only.
@@ -27,6 +28,8 @@ public:
     /// The focusable status (the instructions line), whose accessible name says the whole state
     /// (see VextilCaptureStatusText); a screen reader speaks it as it changes.
     QWidget *statusView() const { return m_label; }
+    /// How long the status waits for the rest of a change before it is said.
+    static constexpr int kStatusSettlesMs = 40;
 
 protected:
     void resizeEvent(QResizeEvent *) override { setupConstraints(); }
@@ -35,10 +38,12 @@ private:
     void setupViews();
     void setupConstraints();
     QString statusText(const QString &instruction) const;
+    void statusChanged();
 
     VextilLabel *m_label = nullptr;
     double m_progress = 0;
     bool m_smile = false;
+    QTimer m_statusSettles;
     QColor m_defaultColor;
     VextilFaceProgressBar *m_bar = nullptr;
 };

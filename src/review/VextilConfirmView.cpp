@@ -167,6 +167,9 @@ void VextilConfirmView::setMessageText(const QString &text)
 {
     m_messageLabel->setText(text);
     m_messageLabel->setAccessibleName(text);
+    // Said with either answer as it takes the focus: the question is what they answer.
+    m_acceptButton->setAccessibleDescription(text);
+    m_cancelButton->setAccessibleDescription(text);
     setupConstraints();
 }
 

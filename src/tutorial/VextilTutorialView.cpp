@@ -295,6 +295,11 @@ void VextilTutorialView::finishClosing()
 {
     if (std::exchange(m_closed, true))
         return;
+    // Let go of the focus first: hidden with it, Qt would pass it along the window's focus chain
+    // (to covered controls, the host's own) and a screen reader would speak each. The screen
+    // beneath takes it in the completion handler.
+    if (QWidget *focus = focusWidget(); focus && isAncestorOf(focus))
+        focus->clearFocus();
     hide();
     setParent(nullptr);  // leaves the screen it covered
     if (m_completionHandler)

@@ -79,9 +79,6 @@ void VextilAccessibility::setDecorative(QWidget *widget)
 
 void VextilAccessibility::setDescription(QWidget *widget, const QString &description)
 {
-    if (widget->accessibleDescription() == description)
-        return;  // told once per change
-    widget->setAccessibleDescription(description);
-    QAccessibleEvent event(widget, QAccessible::DescriptionChanged);
-    QAccessible::updateAccessibility(&event);
+    if (widget->accessibleDescription() != description)
+        widget->setAccessibleDescription(description);  // which tells assistive technology, once
 }

@@ -5,6 +5,7 @@
 #include "core/VextilPortraitRegion.h"
 #include "ui/VextilFocusTrap.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QPropertyAnimation>
 
@@ -157,6 +158,11 @@ void VextilBaseViewController::dismissViewControllerAnimated(bool animated, std:
 void VextilBaseViewController::disappear(bool animated, std::function<void()> completion)
 {
     m_beingDismissed = true;
+    // Hidden with the focus, Qt would pass it along the window's focus chain, through covered
+    // controls and the host's own, each spoken by a screen reader; the screen beneath (or, at
+    // the end, the host's widget) takes it once this one is gone.
+    if (QWidget *focus = QApplication::focusWidget(); focus && isAncestorOf(focus))
+        focus->clearFocus();
     const auto finish = [this, animated, completion = std::move(completion)] {
         hide();
         holdPortrait(false);

@@ -31,13 +31,14 @@ void VextilLabel::setMaximumLines(int lines)
     fit();
 }
 
-void VextilLabel::setText(const QString &text)
+void VextilLabel::setText(const QString &text, bool announce)
 {
     if (text == m_text)
         return;
     m_text = text;
     fit();
-    refreshAccessibleName();
+    if (announce)
+        refreshAccessibleName();
 }
 
 void VextilLabel::setAccessibleNameFor(std::function<QString(const QString &)> name)
@@ -49,11 +50,8 @@ void VextilLabel::setAccessibleNameFor(std::function<QString(const QString &)> n
 void VextilLabel::refreshAccessibleName()
 {
     const QString name = m_nameFor ? m_nameFor(m_text) : m_text;
-    if (name == accessibleName())
-        return;
-    setAccessibleName(name);
-    QAccessibleEvent changed(this, QAccessible::NameChanged);
-    QAccessible::updateAccessibility(&changed);
+    if (name != accessibleName())
+        setAccessibleName(name);  // which tells assistive technology, once
 }
 
 void VextilLabel::setFocusable(bool focusable)

@@ -21,8 +21,9 @@ public:
     /// With word wrap on, the most lines shown; a longer text ends its last line in an ellipsis
     /// (0, the default, means no limit).
     void setMaximumLines(int lines);
-    /// Sets the text, announcing the change to assistive technology.
-    void setText(const QString &text);
+    /// Sets the text and, unless told not to (the owner then calls refreshAccessibleName), the
+    /// accessible name, which announces the change to assistive technology.
+    void setText(const QString &text, bool announce = true);
     /// Makes the accessible name from the text (by default the text itself); the name is
     /// announced only when it changes.
     void setAccessibleNameFor(std::function<QString(const QString &text)> name);

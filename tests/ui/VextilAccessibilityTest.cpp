@@ -90,17 +90,20 @@ TEST_F(Accessibility, TheCameraScreensStatusHoldsTheFocusAndSaysTheWholeState)
     VextilFaceProgressBoxView *box = camera->faceProgressBoxView();
     QWidget *status = box->statusView();
     ASSERT_TRUE(status->hasFocus()) << "screen readers speak the focused object's changes";
-    const auto said = [status] { return QAccessible::queryAccessibleInterface(status)->text(QAccessible::Name); };
+    // A change is said once all its parts have landed: one sentence, not one per part.
+    const auto said = [status] {
+        QTest::qWait(VextilFaceProgressBoxView::kStatusSettlesMs + 30);
+        return QAccessible::queryAccessibleInterface(status)->text(QAccessible::Name);
+    };
     box->updateInstructionsLabelWithText(QStringLiteral("Checking your face"));
-    EXPECT_EQ(said(), "Checking your face");
     box->updateProgress(0.4);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(status)->text(QAccessible::Name), "Looking for face")
+        << "not yet: the rest of the change may follow";
     EXPECT_EQ(said(), "Checking your face, photo 2 of 5");
     camera->isPopupViewHidden(false);  // as the model asks for the smile
-    QTest::qWait(20);
     EXPECT_EQ(said(), "SMILE!");
     camera->isPopupViewHidden(true);
     box->isProgressBarHidden(true);
-    QTest::qWait(20);
     EXPECT_EQ(said(), "Checking your face") << "no progress while the bar is hidden";
 
     // The progress bar: its fill as a description, and no actions to offer.
