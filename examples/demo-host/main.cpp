@@ -68,7 +68,8 @@ int main(int argc, char **argv)
     }
     if (options.isSet(QStringLiteral("scheme")))
         VextilToolkitSettings::sharedInstance()->setColorScheme(std::make_shared<TealScheme>());
-    VextilFace::sharedInstance()->presentTutorial(!options.isSet(QStringLiteral("no-tutorial")));
+    if (options.isSet(QStringLiteral("no-tutorial")))  // otherwise the facade's default, as a host that sets nothing
+        VextilFace::sharedInstance()->presentTutorial(false);
     QString clip = options.value(QStringLiteral("camera-file"));
     if (clip.isEmpty() && options.isSet(QStringLiteral("unattended")))
         clip = QStringLiteral(VEXTIL_SELFIE_CLIP);
