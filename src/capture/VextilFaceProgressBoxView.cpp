@@ -50,7 +50,10 @@ void VextilFaceProgressBoxView::setupConstraints()
     const QRectF box = rect();
     const QRectF bar = VextilFrame().centerX(box.center().x()).height(15).width(0.8 * box.width()).centerY(box.center().y() + 10).rect();
     m_bar->setGeometry(bar.toRect());
-    m_label->setGeometry(VextilFrame().centerX(box.center().x()).bottom(bar.top() - 30).width(box.width()).height(20).pixels());
+    // The text's line (20 high, 30 above the bar), grown by 6 above and below to hold the
+    // focus ring clear of the text.
+    const QRectF line = VextilFrame().centerX(box.center().x()).bottom(bar.top() - 30).width(box.width()).height(20).rect();
+    m_label->setGeometry(line.adjusted(0, -kRingRoom, 0, kRingRoom).toRect());
 }
 
 void VextilFaceProgressBoxView::updateProgress(double progress)

@@ -35,6 +35,7 @@ protected:
     void resizeEvent(QResizeEvent *) override { setupConstraints(); }
 
 private:
+    static constexpr double kRingRoom = 6;
     void setupViews();
     void setupConstraints();
     QString statusText(const QString &instruction) const;

@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QTextLayout>
 
+#include <algorithm>
+
 VextilLabel::VextilLabel(QWidget *parent) : QLabel(parent), m_baseFont(font()) {}
 
 void VextilLabel::setAdjustsFontSizeToFitWidth(bool adjusts)
@@ -64,10 +66,21 @@ void VextilLabel::paintEvent(QPaintEvent *event)
     QLabel::paintEvent(event);
     if (!hasFocus())
         return;
+    // Around the text, not across the whole line, with room to clear it.
+    const QFontMetricsF metrics(font());
+    const QSizeF ring(std::min<qreal>(width() - 2, metrics.horizontalAdvance(QLabel::text()) + 16),
+                      std::min<qreal>(height() - 2, metrics.height() + 6));
+    const QRectF area = QRectF(rect()).adjusted(1, 1, -1, -1);
+    QRectF around(QPointF(0, 0), ring);
+    around.moveCenter(area.center());
+    if (alignment() & Qt::AlignLeft)
+        around.moveLeft(area.left());
+    else if (alignment() & Qt::AlignRight)
+        around.moveRight(area.right());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(palette().color(QPalette::WindowText), 2));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+    painter.drawRoundedRect(around, 6, 6);
 }
 
 void VextilLabel::resizeEvent(QResizeEvent *event)
