@@ -6,6 +6,7 @@
 #include "ui/VextilFrame.h"
 #include "ui/VextilSchemeAccess.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QGraphicsBlurEffect>
 #include <QGraphicsOpacityEffect>
@@ -295,11 +296,12 @@ void VextilTutorialView::finishClosing()
 {
     if (std::exchange(m_closed, true))
         return;
-    // Let go of the focus first: hidden with it, Qt would pass it along the window's focus chain
-    // (to covered controls, the host's own) and a screen reader would speak each. The screen
-    // beneath takes it in the completion handler.
-    if (QWidget *focus = focusWidget(); focus && isAncestorOf(focus))
-        focus->clearFocus();
+    // Hand the focus to the screen beneath first: hidden with it, Qt would pass it along the
+    // window's focus chain (to covered controls, the host's own) and a screen reader would speak
+    // each. That screen gives it to its own control in the completion handler.
+    VextilFocusTrap::setScope(this, false);
+    if (QWidget *focus = QApplication::focusWidget(); focus && isAncestorOf(focus) && parentWidget())
+        parentWidget()->setFocus(Qt::OtherFocusReason);
     hide();
     setParent(nullptr);  // leaves the screen it covered
     if (m_completionHandler)

@@ -17,6 +17,7 @@ VextilBaseViewController::VextilBaseViewController(QWidget *parent) : QWidget(pa
 {
     setAttribute(Qt::WA_StyledBackground);
     setAutoFillBackground(true);
+    setFocusPolicy(Qt::ClickFocus);  // holds the focus between its controls' turns, never by Tab
 }
 
 VextilBaseViewController::~VextilBaseViewController()
@@ -119,6 +120,11 @@ void VextilBaseViewController::appear(bool animated, std::function<void()> compl
     viewWillAppear(animated);
     show();
     raise();
+    // What lies beneath gives up the focus now, not when a control here takes it once shown: no
+    // key reaches it meanwhile, its last changes go unspoken, and a screen reader names this
+    // screen as it arrives.
+    if (QWidget *focus = QApplication::focusWidget(); !focus || !isAncestorOf(focus))
+        setFocus(Qt::OtherFocusReason);
     const auto finish = [this, animated, completion = std::move(completion)] {
         viewDidAppear(animated);
         if (completion)
@@ -159,10 +165,14 @@ void VextilBaseViewController::disappear(bool animated, std::function<void()> co
 {
     m_beingDismissed = true;
     // Hidden with the focus, Qt would pass it along the window's focus chain, through covered
-    // controls and the host's own, each spoken by a screen reader; the screen beneath (or, at
-    // the end, the host's widget) takes it once this one is gone.
-    if (QWidget *focus = QApplication::focusWidget(); focus && isAncestorOf(focus))
-        focus->clearFocus();
+    // controls and the host's own, each spoken by a screen reader: it goes straight to the
+    // screen beneath (which hands it on as it appears again) or, at the end, back to the host.
+    if (QWidget *focus = QApplication::focusWidget(); focus && (focus == this || isAncestorOf(focus))) {
+        if (auto *beneath = qobject_cast<VextilBaseViewController *>(m_presenting.data()))
+            beneath->setFocus(Qt::OtherFocusReason);
+        else
+            VextilFocusTrap::returnFocus();
+    }
     const auto finish = [this, animated, completion = std::move(completion)] {
         hide();
         holdPortrait(false);

@@ -36,12 +36,19 @@ void VextilFocusTrap::screenHidden(VextilBaseViewController *screen)
     if (!trap.m_screens.isEmpty())
         return;
     qApp->removeEventFilter(&trap);
-    if (trap.m_hostFocus && trap.m_hostFocus->isVisible())
-        trap.m_hostFocus->setFocus(Qt::OtherFocusReason);
+    if (QWidget *focus = QApplication::focusWidget(); !focus || focus == screen || screen->isAncestorOf(focus))
+        returnFocus();
     trap.m_hostFocus = nullptr;
 }
 
-void VextilFocusTrap::setScope(QWidget *overlay) { overlay->setProperty(kScopeProperty, true); }
+void VextilFocusTrap::setScope(QWidget *overlay, bool scope) { overlay->setProperty(kScopeProperty, scope); }
+
+void VextilFocusTrap::returnFocus()
+{
+    const VextilFocusTrap &trap = instance();
+    if (trap.m_hostFocus && trap.m_hostFocus->isVisible())
+        trap.m_hostFocus->setFocus(Qt::OtherFocusReason);
+}
 
 QWidget *VextilFocusTrap::activeScope(const QWidget *window)
 {

@@ -17,8 +17,10 @@ public:
     /// A screen has appeared (on top of the others) or gone.
     static void screenShown(VextilBaseViewController *screen);
     static void screenHidden(VextilBaseViewController *screen);
-    /// Marks an overlay that, while visible, holds the keyboard instead of its screen.
-    static void setScope(QWidget *overlay);
+    /// Marks (or unmarks) an overlay that, while visible, holds the keyboard instead of its screen.
+    static void setScope(QWidget *overlay, bool scope = true);
+    /// Gives the focus back to the host's widget that had it before the first screen came.
+    static void returnFocus();
     /// Where the keyboard is kept in `window`: its top-most screen or that screen's top-most
     /// scope overlay; null when no screen shows there.
     static QWidget *activeScope(const QWidget *window);
