@@ -52,6 +52,19 @@ protected:
     QWidget host;
 };
 
+// A review screen, not yet shown, over a capture of plain images in the store.
+VextilConfirmController *reviewOfACapture()
+{
+    auto *store = VextilRepository::sharedInstance();
+    QImage photo(120, 160, QImage::Format_RGB32);
+    photo.fill(Qt::darkCyan);
+    store->setFaceImages(std::make_shared<QList<QImage>>(5, photo));
+    store->setFaceSmileImages(std::make_shared<QList<QImage>>(2, photo));
+    auto *review = new VextilConfirmController;
+    review->setModel(new VextilConfirmModel);
+    return review;
+}
+
 // Every accessible name on a screen, of any role.
 QStringList allNames(QAccessibleInterface *node)
 {
@@ -134,13 +147,7 @@ TEST_F(Accessibility, TheTutorialAndTheReviewAreNamedReadOnceAndAnsweredFromTheK
     QTest::keyClick(tutorial->nextButton(), Qt::Key_Space);
     EXPECT_TRUE(QTest::qWaitFor([&] { return closed; }, 2000)) << "the space bar answers it";
 
-    auto *store = VextilRepository::sharedInstance();
-    QImage photo(120, 160, QImage::Format_RGB32);
-    photo.fill(Qt::darkCyan);
-    store->setFaceImages(std::make_shared<QList<QImage>>(5, photo));
-    store->setFaceSmileImages(std::make_shared<QList<QImage>>(2, photo));
-    auto *review = new VextilConfirmController;
-    review->setModel(new VextilConfirmModel);
+    auto *review = reviewOfACapture();
     VextilBaseViewController::present(&host, review, false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return review->confirmView()->acceptButton()->hasFocus(); }, 2000));
     const Walk screen(review);
@@ -206,13 +213,7 @@ TEST_F(Accessibility, TheKeyboardStaysInTheTopScreenAndReturnsToTheHostAtTheEnd)
     EXPECT_EQ(QApplication::focusWidget(), camera->navigationView()->helpButton());
 
     // The review over it: its own three buttons only.
-    auto *store = VextilRepository::sharedInstance();
-    QImage photo(120, 160, QImage::Format_RGB32);
-    photo.fill(Qt::darkCyan);
-    store->setFaceImages(std::make_shared<QList<QImage>>(5, photo));
-    store->setFaceSmileImages(std::make_shared<QList<QImage>>(2, photo));
-    auto *review = new VextilConfirmController;
-    review->setModel(new VextilConfirmModel);
+    auto *review = reviewOfACapture();
     camera->presentViewController(review, false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return review->confirmView() && review->confirmView()->acceptButton()->hasFocus(); }, 2000));
     QSet<QWidget *> reached;
