@@ -11,15 +11,11 @@
 #include <QMessageBox>
 #include <QPointer>
 
-#include <atomic>
-#include <chrono>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 class NavigationBarView;
-class VextilCameraWatchdog;
-class VextilCaptureQueue;
+class VextilCaptureSession;
 class VextilFaceCameraView;
 class VextilFaceProgressBoxView;
 
@@ -41,27 +37,27 @@ public:
     void setDelegate(QObject *delegate) { m_delegate = delegate; }
     QObject *delegate() const { return m_delegate; }
     /// The face capture model; the screen makes a fresh one when it loads.
-    VextilFaceCameraModel *model() const { return m_model; }
+    VextilFaceCameraModel *model() const;
     void setModel(VextilFaceCameraModel *model);
     /// Whether the tutorial opens with the screen (true by default).
     bool presentTutorial() const { return m_presentTutorial; }
     void setPresentTutorial(bool present) { m_presentTutorial = present; }
     /// Replaces the camera (for instance by a video file); before the screen loads.
     void setFrameSource(std::unique_ptr<VextilFrameSource> source);
-    VextilFrameSource *frameSource() const { return m_source.get(); }
+    VextilFrameSource *frameSource() const;
 
     /// The screen's parts (their classes are internal).
     NavigationBarView *navigationView() const { return m_navigationView; }
     VextilFaceCameraView *faceCameraView() const { return m_faceCameraView; }
     VextilFaceProgressBoxView *faceProgressBoxView() const { return m_faceProgressBoxView; }
-    bool isPresentingTutorial() const { return m_isPresentingTutorial; }
+    bool isPresentingTutorial() const;
     /// The permission alert while it is open.
     QMessageBox *alert() const { return m_alert; }
 
     /// Starts (or restarts) frame delivery.
     void startCamera();
     /// Re-checks camera permission (a host wires it to coming back to the foreground).
-    void willEnterForeground() { checkAuthorization(); }
+    void willEnterForeground();
     /// Shows the tutorial over the screen (also the help button's action).
     void presentTutorialPopUp();
     /// The back button's action: the capture failed.
@@ -74,9 +70,9 @@ public:
     /// Seconds from the first neutral image to completion, once known.
     std::optional<double> secondsToCompletion() const;
 
-    // The model's calls. They come on the capture thread while frames are analysed; each is
-    // carried once to the GUI thread and applied to the views there, in call order.
-    void finishedCapture() override { dismissController(true); }
+    // The model's calls (it is told to make them to the screen's session). They may come on any
+    // thread; each is carried once to the GUI thread and applied to the views there, in call order.
+    void finishedCapture() override;
     void updateMessageText(const QString &text) override;
     void updateProgressView(double progress) override;
     void isProgressBarHidden(bool hidden) override;
@@ -97,35 +93,16 @@ private:
     void focusStatus();
     void setupView();
     void setupConstraints();
-    void setupCamera();
     void setupColors();
-    void checkAuthorization();
+    void connectSession();
     void cameraDenied();
-    void captureOutput(const VextilCameraFrame &frame);
-    void startSource();
-    void stopSource();
-    void showInstructions();
-    void showFrame(const QImage &frame);
-    void onGuiThread(std::function<void()> work);
+    void showMaskState(bool faceFound);
 
     QPointer<QObject> m_delegate;
-    QPointer<VextilFaceCameraModel> m_model;
     bool m_presentTutorial = true;
     NavigationBarView *m_navigationView = nullptr;
     VextilFaceCameraView *m_faceCameraView = nullptr;
     VextilFaceProgressBoxView *m_faceProgressBoxView = nullptr;
-    std::unique_ptr<VextilFrameSource> m_source;
-    std::unique_ptr<VextilCaptureQueue> m_captureQueue;
-    VextilCameraWatchdog *m_watchdog = nullptr;
-    QString m_modelText;                   // the model's newest instruction, shown whenever the camera delivers
-    std::atomic<int> m_analysedSide{720};  // longer side of the copy judged and shown, in pixels
-    std::atomic<bool> m_isPresentingTutorial{false};
-    bool m_captureActive = false;  // between starting the camera and the end of the capture
+    VextilCaptureSession *m_session = nullptr;  // what the screen decides, shared with the Qt Quick face
     QPointer<QMessageBox> m_alert;
-    std::atomic<qint64> m_firstNeutralNs{0};
-    std::atomic<qint64> m_completedNs{0};
-    // The newest camera frame waiting for the preview, and whether a hop to show it is queued.
-    std::mutex m_previewMutex;
-    QImage m_previewFrame;
-    bool m_previewQueued = false;
 };

@@ -24,6 +24,8 @@ public:
 
     /// Swaps the white and the green frame.
     void changeMaskState();
+    /// Whether the green frame (a face is in it) shows.
+    bool isFaceFound() const { return !m_greenMask->isHidden(); }
     /// Hides or shows the "SMILE!" popup.
     void isPopupHidden(bool hidden);
 

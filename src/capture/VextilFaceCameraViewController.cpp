@@ -3,9 +3,7 @@
 #include <VextilToolkit/VextilCameraAuthorization.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
 
-#include "camera/VextilCaptureQueue.h"
-#include "camera/VextilUprightFrame.h"
-#include "capture/VextilCameraWatchdog.h"
+#include "capture/VextilCaptureSession.h"
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBoxView.h"
 #include "core/VextilMainQueue.h"
@@ -18,90 +16,85 @@
 #include <QCoreApplication>
 #include <QPushButton>
 
-#include <algorithm>
-
-namespace {
-// The longer side of the copy the model judges and the preview shows: the view's own pixels,
-// within these bounds. Faces fill much of the view, and the networks read a fraction of it.
-constexpr int kSmallestAnalysedSide = 720, kLargestAnalysedSide = 1080;
-qint64 nowNs() { return std::chrono::steady_clock::now().time_since_epoch().count(); }
-}  // namespace
-
-VextilFaceCameraViewController::VextilFaceCameraViewController(QWidget *parent) : VextilBaseViewController(parent)
+VextilFaceCameraViewController::VextilFaceCameraViewController(QWidget *parent)
+    : VextilBaseViewController(parent), m_session(new VextilCaptureSession(this))
 {
     QPalette palette = this->palette();
     palette.setColor(QPalette::Window, Qt::black);
     setPalette(palette);
+    m_session->setStayingCheck([this] { return !isBeingDismissed(); });
 }
 
-VextilFaceCameraViewController::~VextilFaceCameraViewController()
-{
-    // Drain the frame path before the views and the model it uses go.
-    if (m_source)
-        m_source->stop();
-    if (m_captureQueue)
-        m_captureQueue->shutdown();
-}
+// The session stops the camera and drains the frame path as it goes, before the views.
+VextilFaceCameraViewController::~VextilFaceCameraViewController() { delete m_session; }
 
-void VextilFaceCameraViewController::hideEvent(QHideEvent *) { stopSource(); }
+void VextilFaceCameraViewController::hideEvent(QHideEvent *) { m_session->setShown(false); }
 
-void VextilFaceCameraViewController::showEvent(QShowEvent *)
-{
-    // Back from a minimised window or another desktop: the capture goes on where it was.
-    if (m_captureActive && !isBeingDismissed())
-        startSource();
-}
+void VextilFaceCameraViewController::showEvent(QShowEvent *) { m_session->setShown(true); }
 
-void VextilFaceCameraViewController::setModel(VextilFaceCameraModel *model)
-{
-    if (m_model && m_model->parent() == this && m_model != model)
-        m_model->deleteLater();
-    m_model = model;
-    if (model && !model->parent())
-        model->setParent(this);
-}
+VextilFaceCameraModel *VextilFaceCameraViewController::model() const { return m_session->model(); }
+
+void VextilFaceCameraViewController::setModel(VextilFaceCameraModel *model) { m_session->setModel(model); }
 
 void VextilFaceCameraViewController::setFrameSource(std::unique_ptr<VextilFrameSource> source)
 {
-    if (m_source)
-        m_source->stop();
-    m_source = std::move(source);
-    if (m_watchdog)
-        m_watchdog->setSource(m_source.get());
+    m_session->setFrameSource(std::move(source));
 }
+
+VextilFrameSource *VextilFaceCameraViewController::frameSource() const { return m_session->frameSource(); }
+
+bool VextilFaceCameraViewController::isPresentingTutorial() const { return m_session->isTutorialShown(); }
+
+void VextilFaceCameraViewController::willEnterForeground() { m_session->checkAuthorization(); }
 
 void VextilFaceCameraViewController::viewDidLoad()
 {
-    setModel(new VextilFaceCameraModel(this));  // a fresh model for this screen
-    m_model->setDelegate(this);
+    m_session->load();
     setupView();
+    connectSession();
     setupConstraints();
-    setupCamera();
-    // The state machine runs on the capture queue, resets included.
-    m_model->setStateQueue(
-        [queue = m_captureQueue.get()](std::function<void()> work) { queue->dispatch(std::move(work)); });
     if (m_presentTutorial)
         presentTutorialPopUp();
+}
+
+void VextilFaceCameraViewController::connectSession()
+{
+    VextilFaceProgressBoxView *box = m_faceProgressBoxView;
+    connect(m_session, &VextilCaptureSession::instructionChanged, box,
+            &VextilFaceProgressBoxView::updateInstructionsLabelWithText);
+    connect(m_session, &VextilCaptureSession::progressChanged, box, &VextilFaceProgressBoxView::updateProgress);
+    connect(m_session, &VextilCaptureSession::progressBarHiddenChanged, box, &VextilFaceProgressBoxView::isProgressBarHidden);
+    connect(m_session, &VextilCaptureSession::maskStateChanged, this, &VextilFaceCameraViewController::showMaskState);
+    connect(m_session, &VextilCaptureSession::smilePromptChanged, this, [this](bool shown) {
+        m_faceCameraView->isPopupHidden(!shown);
+        m_faceProgressBoxView->setSmilePrompt(shown);
+    });
+    connect(m_session, &VextilCaptureSession::frameReady, this,
+            [this](const QImage &frame) { m_faceCameraView->videoPreviewLayer()->setFrame(frame); });
+    connect(m_session, &VextilCaptureSession::permissionDenied, this, &VextilFaceCameraViewController::cameraDenied);
+    connect(m_session, &VextilCaptureSession::finished, this, [this](bool success) {
+        if (auto *delegate = dynamic_cast<VextilFaceCameraControllerDelegate *>(m_delegate.data()))
+            delegate->didFinishedCaptureWithSuccess(success);
+    });
+}
+
+void VextilFaceCameraViewController::showMaskState(bool faceFound)
+{
+    // The view toggles; the session's state says which way.
+    if (m_faceCameraView->isFaceFound() != faceFound)
+        m_faceCameraView->changeMaskState();
 }
 
 void VextilFaceCameraViewController::viewWillAppear(bool animated)
 {
     VextilBaseViewController::viewWillAppear(animated);
-    m_model->resetState();
     setupColors();
-    // A moment later, and only if the screen is staying: when the flow closes, the review goes
-    // first and this screen appears again just before it is dismissed itself.
-    onGuiThread([this] {
-        if (isBeingDismissed())
-            return;
-        startCamera();
-        checkAuthorization();
-    });
+    m_session->appear();
 }
 
 void VextilFaceCameraViewController::viewDidAppear(bool)
 {
-    m_model->setViewSize(m_faceCameraView ? QSizeF(m_faceCameraView->size()) : QSizeF(0, 0));
+    m_session->setViewSize(m_faceCameraView ? QSizeF(m_faceCameraView->size()) : QSizeF(0, 0), devicePixelRatioF());
     focusStatus();
 }
 
@@ -109,9 +102,9 @@ void VextilFaceCameraViewController::focusStatus()
 {
     // The status holds the focus while the capture runs, so that its changes are spoken; the
     // tutorial keeps it while it is up and hands it back as it closes. A moment later, and only
-    // if the screen is staying (see viewWillAppear).
-    onGuiThread([this] {
-        if (!m_isPresentingTutorial && m_faceProgressBoxView && isVisible() && !isBeingDismissed())
+    // if the screen is staying (see VextilCaptureSession::appear).
+    VextilMainQueue::dispatchAsync(this, [this] {
+        if (!m_session->isTutorialShown() && m_faceProgressBoxView && isVisible() && !isBeingDismissed())
             m_faceProgressBoxView->statusView()->setFocus(Qt::OtherFocusReason);
     });
 }
@@ -127,8 +120,7 @@ void VextilFaceCameraViewController::setupView()
     m_faceCameraView = new VextilFaceCameraView(this);
     m_faceCameraView->videoPreviewLayer()->setMirrored(VextilToolkitSettings::sharedInstance()->mirrorsPreview());
     m_faceProgressBoxView = new VextilFaceProgressBoxView(this);
-    m_modelText = m_model->getFirstMessageText();
-    m_faceProgressBoxView->updateInstructionsLabelWithText(m_modelText);
+    m_faceProgressBoxView->updateInstructionsLabelWithText(m_session->instruction());
 }
 
 namespace {
@@ -151,10 +143,8 @@ void VextilFaceCameraViewController::setupConstraints()
     const QRectF between = VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).bottom(box.top()).rect();
     m_faceCameraView->setGeometry(
         VextilPortraitRegion::of(between.size(), 0, kWidestCameraView).translated(between.topLeft()).toRect());
-    const QSize shown = m_faceCameraView->size() * devicePixelRatioF();
-    m_analysedSide = std::clamp(std::max(shown.width(), shown.height()), kSmallestAnalysedSide, kLargestAnalysedSide);
-    if (m_model && m_faceCameraView->isVisible())
-        m_model->setViewSize(QSizeF(m_faceCameraView->size()));
+    if (m_faceCameraView->isVisible())
+        m_session->setViewSize(QSizeF(m_faceCameraView->size()), devicePixelRatioF());
 }
 
 void VextilFaceCameraViewController::setupColors()
@@ -165,162 +155,24 @@ void VextilFaceCameraViewController::setupColors()
     m_navigationView->setHelpButtonTintColor(Qt::white);
 }
 
-void VextilFaceCameraViewController::setupCamera()
-{
-    if (!m_source)
-        m_source = VextilFrameSource::createDefault(VextilToolkitSettings::sharedInstance()->camera());
-    m_captureQueue =
-        std::make_unique<VextilCaptureQueue>([this](const VextilCameraFrame &frame) { captureOutput(frame); });
-    m_captureQueue->start();
-    // Only the newest frame waits; a frame is converted once it is taken for analysis.
-    VextilCaptureQueue *queue = m_captureQueue.get();
-    m_watchdog = new VextilCameraWatchdog(m_source.get(), this);
-    connect(m_watchdog, &VextilCameraWatchdog::healthChanged, this, &VextilFaceCameraViewController::showInstructions);
-    m_source->setFrameHandler([queue, watchdog = m_watchdog](const VextilCameraFrame &frame) {
-        watchdog->noteFrame();
-        queue->post(frame);
-    });
-}
+void VextilFaceCameraViewController::startCamera() { m_session->startCamera(); }
 
-void VextilFaceCameraViewController::startCamera()
-{
-    m_captureActive = true;
-    startSource();
-}
+void VextilFaceCameraViewController::finishedCapture() { m_session->finishedCapture(); }
+void VextilFaceCameraViewController::updateMessageText(const QString &text) { m_session->updateMessageText(text); }
+void VextilFaceCameraViewController::updateProgressView(double progress) { m_session->updateProgressView(progress); }
+void VextilFaceCameraViewController::isProgressBarHidden(bool hidden) { m_session->isProgressBarHidden(hidden); }
+void VextilFaceCameraViewController::changeMaskState() { m_session->changeMaskState(); }
+void VextilFaceCameraViewController::isPopupViewHidden(bool hidden) { m_session->isPopupViewHidden(hidden); }
 
-void VextilFaceCameraViewController::startSource()
-{
-    if (!m_source || !isVisible())
-        return;
-    if (!m_source->isRunning())
-        m_source->start();
-    m_watchdog->watch();
-}
-
-void VextilFaceCameraViewController::stopSource()
-{
-    if (m_watchdog)
-        m_watchdog->rest();
-    if (m_source)
-        m_source->stop();
-}
-
-void VextilFaceCameraViewController::showInstructions()
-{
-    const QString fault = VextilCameraWatchdog::message(m_watchdog->health());
-    m_faceProgressBoxView->updateInstructionsLabelWithText(fault.isEmpty() ? m_modelText : fault);
-}
-
-void VextilFaceCameraViewController::captureOutput(const VextilCameraFrame &frame)
-{
-    if (m_isPresentingTutorial || !m_model)
-        return;  // ignored, so never converted
-    // What the user sees is what the model judges and the store keeps: upright, cropped to the
-    // view. The model judges a small copy; the whole picture is made only for a frame it keeps.
-    const QSizeF view = m_model->viewSize();
-    const QImage analysed = VextilUprightFrame::scaledImage(frame, view, m_analysedSide);
-    if (analysed.isNull())
-        return;
-    showFrame(analysed);
-    m_model->processFace(analysed, [&frame, view] { return VextilUprightFrame::image(frame, view); });
-}
-
-void VextilFaceCameraViewController::showFrame(const QImage &frame)
-{
-    {
-        std::lock_guard lock(m_previewMutex);
-        m_previewFrame = frame;
-        if (std::exchange(m_previewQueued, true))
-            return;  // the hop already queued shows this newer frame
-    }
-    onGuiThread([this] {
-        QImage newest;
-        {
-            std::lock_guard lock(m_previewMutex);
-            newest = std::exchange(m_previewFrame, QImage());
-            m_previewQueued = false;
-        }
-        m_faceCameraView->videoPreviewLayer()->setFrame(newest);
-    });
-}
-
-void VextilFaceCameraViewController::onGuiThread(std::function<void()> work)
-{
-    VextilMainQueue::dispatchAsync(this, std::move(work));
-}
-
-void VextilFaceCameraViewController::updateMessageText(const QString &text)
-{
-    onGuiThread([this, text] {
-        m_modelText = text;
-        if (m_watchdog->health() == VextilCameraWatchdog::Health::Live)
-            m_faceProgressBoxView->updateInstructionsLabelWithText(text);
-    });
-}
-
-void VextilFaceCameraViewController::updateProgressView(double progress)
-{
-    if (progress > 0 && m_firstNeutralNs == 0)
-        m_firstNeutralNs = nowNs();
-    onGuiThread([this, progress] { m_faceProgressBoxView->updateProgress(progress); });
-}
-
-void VextilFaceCameraViewController::isProgressBarHidden(bool hidden)
-{
-    onGuiThread([this, hidden] { m_faceProgressBoxView->isProgressBarHidden(hidden); });
-}
-
-void VextilFaceCameraViewController::changeMaskState()
-{
-    onGuiThread([this] { m_faceCameraView->changeMaskState(); });
-}
-
-void VextilFaceCameraViewController::isPopupViewHidden(bool hidden)
-{
-    onGuiThread([this, hidden] {
-        m_faceCameraView->isPopupHidden(hidden);
-        m_faceProgressBoxView->setSmilePrompt(!hidden);
-    });
-}
-
-VextilCaptureStats VextilFaceCameraViewController::captureStats() const
-{
-    return m_captureQueue ? m_captureQueue->stats() : VextilCaptureStats();
-}
+VextilCaptureStats VextilFaceCameraViewController::captureStats() const { return m_session->captureStats(); }
 
 std::optional<double> VextilFaceCameraViewController::secondsToCompletion() const
 {
-    if (m_firstNeutralNs == 0 || m_completedNs == 0)
-        return std::nullopt;
-    return double(m_completedNs - m_firstNeutralNs) / 1e9;
-}
-
-void VextilFaceCameraViewController::checkAuthorization()
-{
-    switch (VextilCameraAuthorization::authorizationStatus()) {
-    case VextilCameraAuthorization::Authorized: return;
-    case VextilCameraAuthorization::Restricted: dismissController(false); return;
-    case VextilCameraAuthorization::NotDetermined: {
-        m_watchdog->rest();  // no frames until the user answers; watched again once granted
-        QPointer<VextilFaceCameraViewController> self(this);
-        VextilCameraAuthorization::requestAccess([self](bool granted) {
-            // The answer may come on any thread; the screen's work belongs on the GUI thread.
-            VextilMainQueue::dispatchAsync(self, [self, granted] {
-                if (granted)
-                    self->startCamera();
-                else
-                    self->cameraDenied();
-            });
-        });
-        return;
-    }
-    default: cameraDenied();
-    }
+    return m_session->secondsToCompletion();
 }
 
 void VextilFaceCameraViewController::cameraDenied()
 {
-    m_watchdog->rest();  // the alert explains; no camera fault on top of it
     // These texts are fixed, not translated.
     auto *alert = new QMessageBox(QMessageBox::Warning, QStringLiteral("Error"),
                                   QStringLiteral("You need to allow this app to access this device's camera."),
@@ -330,18 +182,18 @@ void VextilFaceCameraViewController::cameraDenied()
     QPushButton *settings = alert->addButton(QStringLiteral("Settings"), QMessageBox::AcceptRole);
     QPushButton *cancel = alert->addButton(QStringLiteral("Cancel"), QMessageBox::DestructiveRole);
     connect(settings, &QAbstractButton::clicked, this, [] { VextilCameraAuthorization::openSettings(); });
-    connect(cancel, &QAbstractButton::clicked, this, [this] { dismissController(false); });
+    connect(cancel, &QAbstractButton::clicked, m_session, &VextilCaptureSession::cancelPermission);
     m_alert = alert;
     alert->open();
 }
 
 void VextilFaceCameraViewController::presentTutorialPopUp()
 {
-    m_isPresentingTutorial = true;
+    m_session->setTutorialShown(true);
     auto *tutorial = new VextilTutorialFace(this);
     tutorial->setCompletionHandler([self = QPointer<VextilFaceCameraViewController>(this)] {
         if (self) {
-            self->m_isPresentingTutorial = false;
+            self->m_session->setTutorialShown(false);
             self->focusStatus();
         }
     });
@@ -349,17 +201,4 @@ void VextilFaceCameraViewController::presentTutorialPopUp()
     tutorial->fadeIn(100);
 }
 
-void VextilFaceCameraViewController::dismissController(bool success)
-{
-    if (success && m_completedNs == 0)
-        m_completedNs = nowNs();
-    QPointer<VextilFaceCameraViewController> self(this);
-    VextilMainQueue::dispatchAsync(this, [self, success] {
-        self->m_captureActive = false;
-        self->stopSource();
-        if (self->m_model)
-            self->m_model->resetState();
-        if (auto *delegate = dynamic_cast<VextilFaceCameraControllerDelegate *>(self->m_delegate.data()))
-            delegate->didFinishedCaptureWithSuccess(success);
-    });
-}
+void VextilFaceCameraViewController::dismissController(bool success) { m_session->finish(success); }
