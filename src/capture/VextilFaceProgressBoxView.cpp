@@ -1,6 +1,5 @@
 #include "capture/VextilFaceProgressBoxView.h"
 
-#include "capture/VextilCaptureStatusText.h"
 #include "core/VextilTexts.h"
 #include "ui/VextilFrame.h"
 
@@ -26,23 +25,8 @@ void VextilFaceProgressBoxView::setupViews()
     // The line holds the keyboard focus while the capture runs: screen readers speak changes of
     // the focused object's name, and Qt's AT-SPI bridge drops alerts.
     m_label->setFocusable(true);
-    m_label->setAccessibleNameFor([this](const QString &instruction) { return statusText(instruction); });
-    // One frame's changes (a new instruction and a new photo, say) come as separate calls: the
-    // status is said once they have all landed, as one sentence.
-    m_statusSettles.setSingleShot(true);
-    m_statusSettles.setInterval(kStatusSettlesMs);
-    connect(&m_statusSettles, &QTimer::timeout, m_label, &VextilLabel::refreshAccessibleName);
-}
-
-void VextilFaceProgressBoxView::statusChanged()
-{
-    if (!m_statusSettles.isActive())
-        m_statusSettles.start();
-}
-
-QString VextilFaceProgressBoxView::statusText(const QString &instruction) const
-{
-    return VextilCaptureStatusText::compose(instruction, m_progress, !m_bar->isHidden(), m_smile);
+    m_label->setAccessibleNameFor([this](const QString &) { return m_status.text(); });
+    connect(&m_status, &VextilCaptureStatus::settled, m_label, &VextilLabel::refreshAccessibleName);
 }
 
 void VextilFaceProgressBoxView::setupConstraints()
@@ -58,25 +42,20 @@ void VextilFaceProgressBoxView::setupConstraints()
 
 void VextilFaceProgressBoxView::updateProgress(double progress)
 {
-    m_progress = progress;
     m_bar->updateProgress(progress);
-    statusChanged();
+    m_status.setProgress(progress);
 }
 
 void VextilFaceProgressBoxView::updateInstructionsLabelWithText(const QString &text)
 {
     m_label->setText(text, false);
-    statusChanged();
+    m_status.setInstruction(text);
 }
 
 void VextilFaceProgressBoxView::isProgressBarHidden(bool hidden)
 {
     m_bar->setHidden(hidden);
-    statusChanged();
+    m_status.setProgressShown(!hidden);
 }
 
-void VextilFaceProgressBoxView::setSmilePrompt(bool shown)
-{
-    m_smile = shown;
-    statusChanged();
-}
+void VextilFaceProgressBoxView::setSmilePrompt(bool shown) { m_status.setSmilePrompt(shown); }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "capture/VextilCaptureStatus.h"
 #include "capture/VextilFaceProgressBar.h"
 #include "ui/VextilLabel.h"
 
-#include <QTimer>
 #include <QWidget>
 
 /// The camera screen's instructions line above the progress bar. GUI thread only.
@@ -29,7 +29,7 @@ public:
     /// (see VextilCaptureStatusText); a screen reader speaks it as it changes.
     QWidget *statusView() const { return m_label; }
     /// How long the status waits for the rest of a change before it is said.
-    static constexpr int kStatusSettlesMs = 40;
+    static constexpr int kStatusSettlesMs = VextilCaptureStatus::kSettlesMs;
 
 protected:
     void resizeEvent(QResizeEvent *) override { setupConstraints(); }
@@ -38,13 +38,9 @@ private:
     static constexpr double kRingRoom = 6;
     void setupViews();
     void setupConstraints();
-    QString statusText(const QString &instruction) const;
-    void statusChanged();
 
     VextilLabel *m_label = nullptr;
-    double m_progress = 0;
-    bool m_smile = false;
-    QTimer m_statusSettles;
+    VextilCaptureStatus m_status;
     QColor m_defaultColor;
     VextilFaceProgressBar *m_bar = nullptr;
 };

@@ -7,37 +7,25 @@
 
 #include <QCoreApplication>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 
 namespace {
 
-// The photo, whole, as large as the frame allows, with rounded corners: a capture is never
-// cropped to the frame's shape, whatever the window's.
+// The photo as the review's animation draws it.
 class PhotoView : public QWidget {
 public:
-    PhotoView(VextilConfirmView *owner, QWidget *parent) : QWidget(parent), m_owner(owner) {}
+    PhotoView(const VextilPhotoAnimation *photo, QWidget *parent) : QWidget(parent), m_photo(photo) {}
 
 protected:
     void paintEvent(QPaintEvent *) override
     {
-        const QImage image = m_owner->currentImage();
-        if (image.isNull())
-            return;
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        const QSizeF fitted = QSizeF(image.size()).scaled(size(), Qt::KeepAspectRatio);
-        const QRectF shown(QPointF((width() - fitted.width()) / 2, (height() - fitted.height()) / 2), fitted);
-        QPainterPath clip;
-        clip.addRoundedRect(shown, 10, 10);
-        painter.setClipPath(clip);
-        painter.drawImage(shown, image);
+        m_photo->paint(painter, size());
     }
 
 private:
-    VextilConfirmView *m_owner;
+    const VextilPhotoAnimation *m_photo;
 };
 
 }  // namespace
@@ -47,17 +35,12 @@ VextilConfirmView::VextilConfirmView(QWidget *parent) : QWidget(parent)
     setupView();
     setupConstraints();
     setupColors();
-    connect(&m_timer, &QTimer::timeout, this, [this] {
-        if (!m_animation.isEmpty()) {
-            m_frame = (m_frame + 1) % int(m_animation.size());
-            m_imageView->update();
-        }
-    });
+    connect(&m_photo, &VextilPhotoAnimation::changed, m_imageView, qOverload<>(&QWidget::update));
 }
 
 void VextilConfirmView::setupView()
 {
-    m_imageView = new PhotoView(this, this);
+    m_imageView = new PhotoView(&m_photo, this);
     VextilAccessibility::setRole(m_imageView, QAccessible::Graphic);  // before anything asks about it
     m_imageView->setAccessibleName(VextilTexts::tr("Captured photo"));
     m_messageLabel = new QLabel(this);
@@ -187,25 +170,11 @@ void VextilConfirmView::setCancelButtonText(const QString &text)
     fitButtonTexts();
 }
 
-void VextilConfirmView::setDocumentImage(const QImage &image)
-{
-    m_still = image;
-    m_imageView->update();
-}
+void VextilConfirmView::setDocumentImage(const QImage &image) { m_photo.setStill(image); }
 
 void VextilConfirmView::setFaceImages(std::shared_ptr<QList<QImage>> images)
 {
-    m_animation = images ? *images : QList<QImage>();
-    m_frame = 0;
-    // The whole list plays once a second, whatever its length, and repeats without end.
-    if (!m_animation.isEmpty())
-        m_timer.start(qMax(1, 1000 / int(m_animation.size())));
-    else
-        m_timer.stop();
-    m_imageView->update();
+    m_photo.setFrames(images ? *images : QList<QImage>());
 }
 
-QImage VextilConfirmView::currentImage() const
-{
-    return m_animation.isEmpty() ? m_still : m_animation.value(m_frame);
-}
+QImage VextilConfirmView::currentImage() const { return m_photo.currentImage(); }

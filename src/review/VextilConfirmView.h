@@ -1,5 +1,7 @@
 #pragma once
 
+#include "review/VextilPhotoAnimation.h"
+
 #include "ui/VextilButton.h"
 
 #include <QLabel>
@@ -34,7 +36,7 @@ public:
     /// The image shown now.
     QImage currentImage() const;
     /// The images being played.
-    QList<QImage> animationImages() const { return m_animation; }
+    QList<QImage> animationImages() const { return m_photo.frames(); }
 
 protected:
     void resizeEvent(QResizeEvent *) override;
@@ -55,8 +57,5 @@ private:
     VextilButton *m_cancelButton = nullptr;
     std::optional<QRectF> m_border;
     QColor m_borderColor, m_background;
-    QImage m_still;
-    QList<QImage> m_animation;
-    int m_frame = 0;
-    QTimer m_timer;
+    VextilPhotoAnimation m_photo;
 };

@@ -1,6 +1,6 @@
 #include "ui/VextilButton.h"
 
-#include "ui/VextilImages.h"
+#include "core/VextilImages.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

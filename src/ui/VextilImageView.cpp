@@ -1,7 +1,7 @@
 #include "ui/VextilImageView.h"
 
 #include "ui/VextilAccessibility.h"
-#include "ui/VextilImages.h"
+#include "core/VextilImages.h"
 
 #include <QPainter>
 

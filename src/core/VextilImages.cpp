@@ -1,4 +1,4 @@
-#include "ui/VextilImages.h"
+#include "core/VextilImages.h"
 
 #include <QFile>
 #include <QPainter>

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <VextilToolkit/VextilToolkitExport.h>
+
 #include <QColor>
 #include <QImage>
 #include <QSizeF>
 #include <QString>
 
-/// The toolkit's own artwork, compiled in as SVG under :/VextilToolkit/images/.
-class VextilImages {
+/// The toolkit's own artwork, compiled in as SVG under :/VextilToolkit/images/. Exported for
+/// the Qt Quick module; not part of the toolkit's API.
+class VEXTIL_EXPORT VextilImages {
 public:
     /// Whether an image of that name ships with the toolkit.
     static bool exists(const QString &name);
