@@ -13,7 +13,10 @@
 #include <QPointer>
 
 #include <functional>
+#include <memory>
 #include <optional>
+
+class VextilFlowLatch;
 
 /// The host's entry point: takes a face capture through the camera and review screens, and
 /// uploads it. A process-wide singleton; call it from the GUI thread.
@@ -69,21 +72,16 @@ public:
     void didFinishedConfirmWithSuccess(bool success) override;
 
 private:
-    VextilFace() = default;
+    VextilFace();
     static QWidget *defaultRoot();
     static QWidget *topMost(QWidget *root);
     bool isFlowOnShow() const;
     bool isFlowOpen() const;  // a flow has its camera screen and is not closing
-    void finishFlow(bool result, std::optional<VextilError> error);
+    void finishFlow();
     void screensDestroyed(quint64 flow);
 
-    struct ClosingResult {
-        bool result = false;
-        std::optional<VextilError> error;
-    };
     bool m_presentTutorial = true;
-    std::optional<ClosingResult> m_closing;  // the flow's screens are going, and what it reports
-    bool m_flowReported = true;              // the current flow's callback has run (or none started)
+    std::shared_ptr<VextilFlowLatch> m_latch;  // one flow at a time, one report each
     quint64 m_flow = 0;                      // counts flows, to tell the current one's screen from earlier ones
     CaptureCallback m_imageResult;
     mutable QMutex m_sendMutex;  // sends may start on an upload's thread, from a send callback

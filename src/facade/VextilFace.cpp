@@ -1,9 +1,12 @@
 #include <VextilToolkit/VextilFace.h>
 
+#include "core/VextilFlowLatch.h"
 #include "core/VextilMainQueue.h"
 
 #include <QApplication>
 #include <QThread>
+
+VextilFace::VextilFace() : m_latch(std::make_shared<VextilFlowLatch>()) {}
 
 VextilFace *VextilFace::sharedInstance()
 {
@@ -63,14 +66,14 @@ bool VextilFace::isFlowOnShow() const
     return shown(m_faceCameraViewController) || shown(m_confirmController);
 }
 
-bool VextilFace::isFlowOpen() const { return m_faceCameraViewController && !m_closing.has_value(); }
+bool VextilFace::isFlowOpen() const { return m_faceCameraViewController && m_latch->isOpen(); }
 
 void VextilFace::presentCameraView()
 {
     // One flow at a time: a repeated request only replaced the callback, which gets the result
     // of the flow that is open (or closing). The flow goes on where it is; its screen is shown
     // again only when it is not on show.
-    if (m_closing.has_value() || (m_faceCameraViewController && isFlowOnShow()))
+    if (m_latch->isClosing() || (m_faceCameraViewController && isFlowOnShow()))
         return;
     if (m_faceCameraViewController) {
         if (m_faceCameraViewController->model())
@@ -80,7 +83,7 @@ void VextilFace::presentCameraView()
         m_faceCameraViewController->setModel(new VextilFaceCameraModel);
         if (m_frameSourceFactory)
             m_faceCameraViewController->setFrameSource(m_frameSourceFactory());
-        m_flowReported = false;
+        m_latch->open();
         // The screens live in the host's window: when it goes, the flow goes with it.
         connect(m_faceCameraViewController, &QObject::destroyed, this, [this, flow = ++m_flow] { screensDestroyed(flow); });
     }
@@ -133,19 +136,19 @@ void VextilFace::dismissCamerControlerWithResult(bool result, std::optional<Vext
     // Outside a flow, or while one is closing, there is nothing to close and nobody to tell.
     if (!isFlowOpen())
         return;
-    m_closing = ClosingResult{result, error};
-    const auto close = [this, result, error] { finishFlow(result, error); };
+    m_latch->close(result, error);
+    const auto close = [this] { finishFlow(); };
     if (m_faceCameraViewController->isVisible())
         m_faceCameraViewController->dismissViewControllerAnimated(true, close);
     else
         close();
 }
 
-void VextilFace::finishFlow(bool result, std::optional<VextilError> error)
+void VextilFace::finishFlow()
 {
-    if (m_flowReported)
+    const std::optional<VextilFlowLatch::Outcome> outcome = m_latch->take();
+    if (!outcome)
         return;
-    m_flowReported = true;
     // Drop the screens first, then tell the host, exactly once per flow.
     if (m_faceCameraViewController)
         m_faceCameraViewController->deleteLater();
@@ -154,22 +157,20 @@ void VextilFace::finishFlow(bool result, std::optional<VextilError> error)
     m_faceCameraViewController = nullptr;
     m_rootController = nullptr;
     m_confirmController = nullptr;
-    m_closing.reset();
     // A copy: the host may start the next flow from its callback, which replaces the stored one.
     const CaptureCallback callback = m_imageResult;
     if (callback)
-        callback(result, error);
+        callback(outcome->success, outcome->error);
 }
 
 void VextilFace::screensDestroyed(quint64 flow)
 {
-    if (flow != m_flow || m_flowReported)
+    if (flow != m_flow || m_latch->hasReported())
         return;  // an earlier flow's screen, deleted after its report
     // Gone with the host's window before the flow ended: it ends as it was closing, or as a
     // failed capture. Reported from the event loop, not from inside the host's deletion.
-    if (!m_closing)
-        m_closing = ClosingResult{false, VextilError::createVextilSDKErrorWithCode(VextilErrorCodeCaptureFailed)};
-    VextilMainQueue::dispatchAsync(this, [this, closing = *m_closing] { finishFlow(closing.result, closing.error); });
+    m_latch->close(false, VextilError::createVextilSDKErrorWithCode(VextilErrorCodeCaptureFailed));
+    VextilMainQueue::dispatchAsync(this, [this] { finishFlow(); });
 }
 
 void VextilFace::sendFaceDataWithCallback(SendCallback callback)
