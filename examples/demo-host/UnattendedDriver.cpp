@@ -1,5 +1,7 @@
 #include "UnattendedDriver.h"
 
+#include "DemoFigures.h"
+
 #include <VextilToolkit/VextilFace.h>
 
 #include <QAbstractButton>
@@ -9,7 +11,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <sys/resource.h>
 
 namespace {
 
@@ -132,22 +133,13 @@ void UnattendedDriver::poll()
 
 void UnattendedDriver::printFigures(bool sent, qint64 uploadMs)
 {
-    QList<double> times = m_stats.analysisMs;
-    std::sort(times.begin(), times.end());
-    double mean = 0;
-    for (double t : times)
-        mean += t;
-    mean = times.isEmpty() ? 0 : mean / double(times.size());
-    const double p95 = times.isEmpty() ? 0 : times[qsizetype(double(times.size() - 1) * 0.95)];
-    struct rusage usage {};
-    getrusage(RUSAGE_SELF, &usage);
-    std::printf("figures:\n");
-    std::printf("  frames delivered %d, analysed %d, dropped %d\n", m_stats.delivered, m_stats.analysed, m_stats.dropped);
-    std::printf("  analysis time: mean %.2f ms, p95 %.2f ms\n", mean, p95);
-    if (m_secondsToCompletion)
-        std::printf("  first neutral image to completion: %.2f s\n", *m_secondsToCompletion);
-    std::printf("  peak memory of the process: %.1f MiB\n", double(usage.ru_maxrss) / 1024.0);
-    std::printf("  upload: %s in %lld ms\n", sent ? "sent" : "failed", qlonglong(uploadMs));
+    DemoFigures figures;
+    figures.delivered = m_stats.delivered;
+    figures.analysed = m_stats.analysed;
+    figures.dropped = m_stats.dropped;
+    figures.analysisMs = m_stats.analysisMs;
+    figures.secondsToCompletion = m_secondsToCompletion;
+    figures.print(sent, uploadMs);
 }
 
 void UnattendedDriver::finish(int code)

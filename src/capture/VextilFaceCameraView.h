@@ -1,5 +1,7 @@
 #pragma once
 
+#include "capture/VextilCameraColors.h"
+
 #include "capture/VextilVideoPreview.h"
 #include "ui/VextilImageView.h"
 #include "ui/VextilLabel.h"
@@ -30,8 +32,8 @@ public:
     void isPopupHidden(bool hidden);
 
     /// Fixed colours of the popup.
-    static QColor popupTextColor() { return QColor::fromRgbF(0.0f, 0.59f, 0.53f, 1.0f); }
-    static QColor popupBackgroundColor() { return QColor::fromRgbF(1.0f, 1.0f, 1.0f, 0.7f); }
+    static QColor popupTextColor() { return VextilCameraColors::popupText(); }
+    static QColor popupBackgroundColor() { return VextilCameraColors::popupBackground(); }
 
 protected:
     void resizeEvent(QResizeEvent *) override { setupConstraints(); }

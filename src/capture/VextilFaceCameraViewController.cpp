@@ -123,10 +123,6 @@ void VextilFaceCameraViewController::setupView()
     m_faceProgressBoxView->updateInstructionsLabelWithText(m_session->instruction());
 }
 
-namespace {
-constexpr double kWidestCameraView = 0.9;  // width / height
-}
-
 void VextilFaceCameraViewController::setupConstraints()
 {
     if (!m_navigationView)
@@ -142,7 +138,7 @@ void VextilFaceCameraViewController::setupConstraints()
     // the view's width, and in a wider view its top and bottom would be cut off.
     const QRectF between = VextilFrame().top(bar.bottom()).width(view.width()).centerX(view.center().x()).bottom(box.top()).rect();
     m_faceCameraView->setGeometry(
-        VextilPortraitRegion::of(between.size(), 0, kWidestCameraView).translated(between.topLeft()).toRect());
+        VextilPortraitRegion::of(between.size(), 0, VextilPortraitRegion::kWidestCameraView).translated(between.topLeft()).toRect());
     if (m_faceCameraView->isVisible())
         m_session->setViewSize(QSizeF(m_faceCameraView->size()), devicePixelRatioF());
 }

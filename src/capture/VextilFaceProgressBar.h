@@ -1,5 +1,7 @@
 #pragma once
 
+#include "capture/VextilCameraColors.h"
+
 #include <QPointer>
 #include <QVariantAnimation>
 #include <QWidget>
@@ -23,8 +25,8 @@ public:
     /// The running animation, if any.
     const QVariantAnimation *animation() const { return m_animation; }
 
-    static QColor trackColor() { return QColor::fromRgbF(1.0f, 0.98f, 0.98f, 0.2f); }
-    static QColor fillColor() { return QColor::fromRgbF(0.0f, 0.59f, 0.53f, 1.0f); }
+    static QColor trackColor() { return VextilCameraColors::progressTrack(); }
+    static QColor fillColor() { return VextilCameraColors::progressFill(); }
     static constexpr int kAnimationMs = 500;
 
 protected:

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <VextilToolkit/VextilToolkitExport.h>
+
 #include <QObject>
 
 #include <functional>
 
 /// Runs work on the GUI thread's event loop, the toolkit's "main queue".
-class VextilMainQueue {
+class VEXTIL_EXPORT VextilMainQueue {
 public:
     /// Queues work to run later on the GUI thread, in call order, from any thread. The work is
     /// skipped when `guard` is destroyed before it runs. Needs a QCoreApplication.

@@ -2,6 +2,7 @@
 
 #include "core/VextilFlowLatch.h"
 #include "core/VextilMainQueue.h"
+#include "upload/VextilFaceUpload.h"
 
 #include <QApplication>
 #include <QThread>
@@ -176,16 +177,9 @@ void VextilFace::screensDestroyed(quint64 flow)
 void VextilFace::sendFaceDataWithCallback(SendCallback callback)
 {
     setSendResult(callback);
-    // Each send calls back the callback it was given, from its own copy: a host may send again
-    // from inside it, or send twice in a row, and every send is answered once.
-    VextilRepository::sharedInstance()->sendDataWithDataType(
-        VextilDataTypeFace, [sendResult = std::move(callback)](std::optional<QVariantMap> answer, std::optional<VextilError> error) {
-            // Images stay for a retry unless the upload succeeded.
-            if (!error)
-                VextilRepository::sharedInstance()->resetFaceImages();
-            if (sendResult)
-                sendResult(std::move(answer), std::move(error));
-        });
+    // Each send calls back the callback it was given: a host may send again from inside it, or
+    // send twice in a row, and every send is answered once.
+    VextilFaceUpload::send(std::move(callback));
 }
 
 VextilFace::SendCallback VextilFace::sendResult() const

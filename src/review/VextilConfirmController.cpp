@@ -3,7 +3,7 @@
 #include "review/VextilConfirmView.h"
 #include "ui/NavigationBarView.h"
 #include "ui/VextilFrame.h"
-#include "ui/VextilSchemeAccess.h"
+#include "core/VextilSchemeAccess.h"
 
 VextilConfirmController::VextilConfirmController(QWidget *parent) : VextilBaseViewController(parent) {}
 

@@ -3,7 +3,7 @@
 #include "core/VextilTexts.h"
 #include "ui/VextilAccessibility.h"
 #include "ui/VextilFrame.h"
-#include "ui/VextilSchemeAccess.h"
+#include "core/VextilSchemeAccess.h"
 
 #include <QCoreApplication>
 #include <QPainter>

@@ -2,7 +2,7 @@
 
 #include "core/VextilTexts.h"
 #include "ui/VextilAccessibility.h"
-#include "ui/VextilSchemeAccess.h"
+#include "core/VextilSchemeAccess.h"
 
 #include <QCoreApplication>
 

@@ -1,17 +1,15 @@
 #include "tutorial/VextilTutorialView.h"
 
+#include "core/VextilBackdropBlur.h"
 #include "core/VextilPortraitRegion.h"
 #include "core/VextilTexts.h"
 #include "ui/VextilFocusTrap.h"
 #include "ui/VextilFrame.h"
-#include "ui/VextilSchemeAccess.h"
+#include "core/VextilSchemeAccess.h"
 
 #include <QApplication>
 #include <QCoreApplication>
-#include <QGraphicsBlurEffect>
 #include <QGraphicsOpacityEffect>
-#include <QGraphicsPixmapItem>
-#include <QGraphicsScene>
 #include <QPainter>
 #include <QPointer>
 #include <QPropertyAnimation>
@@ -60,22 +58,7 @@ public:
 
     // The blur is applied once, to the picture, rather than as a live effect on this widget:
     // the overlay fades with an effect of its own, and Qt cannot nest widget effects.
-    static QPixmap blurred(const QPixmap &shot)
-    {
-        QGraphicsScene scene;
-        QGraphicsPixmapItem *item = scene.addPixmap(shot);
-        auto *blur = new QGraphicsBlurEffect;
-        blur->setBlurRadius(24);
-        blur->setBlurHints(QGraphicsBlurEffect::QualityHint);
-        item->setGraphicsEffect(blur);
-        QPixmap out(shot.size());
-        out.setDevicePixelRatio(shot.devicePixelRatio());
-        out.fill(Qt::black);
-        QPainter painter(&out);
-        const QRectF area(QPointF(0, 0), shot.deviceIndependentSize());
-        scene.render(&painter, area, area);
-        return out;
-    }
+    static QPixmap blurred(const QPixmap &shot) { return QPixmap::fromImage(VextilBackdropBlur::blurred(shot.toImage())); }
 
 protected:
     void paintEvent(QPaintEvent *) override

@@ -1,0 +1,23 @@
+#include "DemoFigures.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <numeric>
+#include <sys/resource.h>
+
+void DemoFigures::print(bool sent, qint64 uploadMs) const
+{
+    QList<double> times = analysisMs;
+    std::sort(times.begin(), times.end());
+    const double mean = meanMs.value_or(times.isEmpty() ? 0 : std::accumulate(times.begin(), times.end(), 0.0) / double(times.size()));
+    const double p95 = p95Ms.value_or(times.isEmpty() ? 0 : times[qsizetype(double(times.size() - 1) * 0.95)]);
+    struct rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    std::printf("figures:\n");
+    std::printf("  frames delivered %d, analysed %d, dropped %d\n", delivered, analysed, dropped);
+    std::printf("  analysis time: mean %.2f ms, p95 %.2f ms\n", mean, p95);
+    if (secondsToCompletion)
+        std::printf("  first neutral image to completion: %.2f s\n", *secondsToCompletion);
+    std::printf("  peak memory of the process: %.1f MiB\n", double(usage.ru_maxrss) / 1024.0);
+    std::printf("  upload: %s in %lld ms\n", sent ? "sent" : "failed", qlonglong(uploadMs));
+}

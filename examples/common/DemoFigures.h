@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QList>
+
+#include <optional>
+
+// What an unattended demo run prints at its end, the same lines for either demo host, so that
+// runs of the two can be set side by side.
+struct DemoFigures {
+    int delivered = 0, analysed = 0, dropped = 0;
+    QList<double> analysisMs;  // or, when only summaries are known, meanMs and p95Ms
+    std::optional<double> meanMs, p95Ms;
+    std::optional<double> secondsToCompletion;
+
+    void print(bool sent, qint64 uploadMs) const;
+};

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QCommandLineParser>
+#include <QString>
+
+// The options both demo hosts take, and what they set in the toolkit, as a host would in code:
+//   [--key KEY] [--upload-host HOST:PORT] [--upload-ca PEM] [--camera-file CLIP] [--locale NAME]
+//   [--scheme] [--no-tutorial] [--unattended --screenshots DIR]
+class DemoOptions {
+public:
+    explicit DemoOptions(const QString &description);
+    // Parses the command line (exits on --help or a bad option) and applies the key, language,
+    // upload host and authority and colour scheme. False, with the reason printed, on failure.
+    bool apply(const QCoreApplication &app);
+
+    bool isSet(const QString &name) const { return m_parser.isSet(name); }
+    QString value(const QString &name) const { return m_parser.value(name); }
+    // The video file standing in for the camera (the sample clip when unattended), empty for
+    // the camera itself.
+    QString clip() const { return m_clip; }
+
+private:
+    QCommandLineParser m_parser;
+    QString m_clip;
+};

@@ -1,0 +1,30 @@
+// vextil_qml_demo_host: the demo host written in QML (Main.qml), over the toolkit's Qt Quick
+// module; the same options as vextil_demo_host (DemoOptions.h).
+
+#include "DemoOptions.h"
+#include "QuickDriver.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+
+int main(int argc, char **argv)
+{
+    QGuiApplication app(argc, argv);
+    DemoOptions options(QStringLiteral("VextilToolkit QML demo host."));
+    if (!options.apply(app))
+        return 1;
+
+    QQmlApplicationEngine engine;
+    engine.setInitialProperties({{QStringLiteral("presentTutorial"), !options.isSet(QStringLiteral("no-tutorial"))},
+                                 {QStringLiteral("cameraFile"), options.clip()}});
+    engine.load(QUrl(QStringLiteral("qrc:/qml-demo-host/Main.qml")));
+    auto *window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(engine.rootObjects().first());
+    if (!window)
+        return 1;
+    if (!options.isSet(QStringLiteral("unattended")))
+        return app.exec();
+    QuickDriver driver(window, options.value(QStringLiteral("screenshots")));
+    driver.start();
+    return app.exec();
+}

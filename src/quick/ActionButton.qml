@@ -1,0 +1,63 @@
+import QtQuick
+import VextilToolkit
+
+// A screen's answer button: rounded, titled, with an optional picture before the title; acts as
+// the finger lands, or on Space with the focus. The title shrinks to fit, never grows.
+Rectangle {
+    id: button
+    property string text
+    property color titleColor: "white"
+    property color background: "transparent"
+    property string iconName
+    property int pixelSize: 16
+    property bool bold: false
+    property string description
+    signal pressed()
+
+    radius: 5
+    color: mouse.pressed ? Qt.darker(background, 1.15) : background
+    activeFocusOnTab: true
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.description: description
+    Accessible.focusable: true
+    Accessible.onPressAction: button.pressed()
+    Keys.onSpacePressed: button.pressed()
+
+    Row {
+        id: content
+        anchors.centerIn: parent
+        spacing: button.iconName ? 30 : 0
+        Artwork {
+            name: button.iconName
+            visible: button.iconName !== ""
+            width: visible ? button.height * 0.5 : 0
+            height: width
+            anchors.verticalCenter: parent.verticalCenter
+            Accessible.ignored: true
+        }
+        Text {
+            text: button.text
+            color: button.titleColor
+            font.pixelSize: Math.max(10, Math.min(button.pixelSize, Math.floor(button.height * 0.6)))
+            font.bold: button.bold
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: 10
+            width: Math.min(implicitWidth, button.width - 8 - (button.iconName ? button.height * 0.5 + 30 : 0))
+            height: button.height
+            verticalAlignment: Text.AlignVCenter
+            horizontalAlignment: Text.AlignHCenter
+            Accessible.ignored: true
+        }
+    }
+    FocusRing {
+        visible: button.activeFocus
+        ink: button.titleColor
+        cornerRadius: button.radius
+    }
+    MouseArea {
+        id: mouse
+        anchors.fill: parent
+        onPressed: button.pressed()
+    }
+}
