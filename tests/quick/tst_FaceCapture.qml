@@ -1,0 +1,218 @@
+import QtQuick
+import QtTest
+import VextilToolkit
+
+// The whole flow in QML with a video file as the camera: what a host sees through FaceCapture.
+Item {
+    id: host
+    width: 390
+    height: 844
+
+    FaceCapture {
+        id: capture
+        presentTutorial: false
+    }
+    SignalSpy { id: finished; target: capture; signalName: "finished" }
+    SignalSpy { id: sendFailed; target: capture; signalName: "sendFailed" }
+    SignalSpy { id: sent; target: capture; signalName: "sent" }
+
+    TestCase {
+        id: flow
+        name: "FaceCapture"
+        when: windowShown
+
+        function init() {
+            host.width = 390
+            host.height = 844
+            capture.presentTutorial = false
+            capture.videoFile = sampleClip
+            finished.clear()
+            sendFailed.clear()
+            sent.clear()
+        }
+        function cleanup() {
+            // Whatever a test left open is closed, and reported, before the next one.
+            if (capture.reviewScreen)
+                findButton(capture.reviewScreen, "Back").pressed()
+            if (capture.stage === FaceFlow.Camera)
+                findButton(capture.cameraScreen, "Back").pressed()
+            tryCompare(capture, "stage", FaceFlow.Idle, 5000)
+        }
+
+        // A shown item with that title or accessible name, and a pressed() signal: a button.
+        function findButton(item, title) {
+            if (!item.visible)
+                return null
+            if ((item.text === title || item.accessibleName === title) && item.pressed !== undefined
+                    && typeof item.pressed === "function")
+                return item
+            for (let i = 0; i < item.children.length; ++i) {
+                const found = findButton(item.children[i], title)
+                if (found)
+                    return found
+            }
+            return null
+        }
+        function press(title) {
+            const button = findButton(capture, title)
+            verify(button, "no button \"" + title + "\" shows")
+            button.pressed()
+        }
+        function waitForReview(timeout) {
+            tryVerify(() => capture.reviewScreen !== null, timeout || 30000, "the review never came")
+            tryCompare(capture.reviewScreen.review, "imageCount", 7, 2000)
+        }
+
+        function test_captureReviewAccept() {
+            capture.requestFace()
+            compare(capture.stage, FaceFlow.Camera)
+            const session = capture.cameraScreen.session
+            compare(session.instruction, "Looking for face")
+            tryVerify(() => session.progress > 0, 15000, "no neutral photo was taken")
+            tryVerify(() => session.smilePrompt, 15000, "the smile was never asked for")
+            waitForReview()
+            compare(capture.stage, FaceFlow.Review)
+            compare(finished.count, 0)
+            verify(!session.shown)  // the camera rests behind the review
+            verify(session.secondsToCompletion > 0)
+            verify(session.stats.analysed > 0)
+            const yes = findButton(capture, "Yes, send")
+            yes.pressed()
+            yes.pressed()  // a double tap answers once
+            finished.wait(3000)
+            compare(finished.count, 1)
+            compare(finished.signalArguments[0][0], true)
+            compare(capture.stage, FaceFlow.Idle)
+            verify(!capture.visible)
+        }
+
+        function test_retakeStartsOverAndTheSecondCaptureIsAccepted() {
+            capture.requestFace()
+            waitForReview()
+            press("No, take another photo.")
+            compare(capture.stage, FaceFlow.Camera)
+            verify(capture.reviewScreen === null)
+            const session = capture.cameraScreen.session
+            tryCompare(session, "progress", 0, 2000)
+            verify(session.shown)
+            waitForReview()
+            press("Yes, send")
+            finished.wait(3000)
+            compare(finished.signalArguments[0][0], true)
+        }
+
+        function test_backCancelsWithError421() {
+            capture.requestFace()
+            tryVerify(() => capture.cameraScreen.session.progress > 0, 15000)
+            press("Back")
+            press("Back")
+            finished.wait(3000)
+            compare(finished.count, 1)
+            compare(finished.signalArguments[0][0], false)
+            const error = finished.signalArguments[0][1]
+            compare(error.code, 421)
+            compare(error.domain, "com.VextilToolkit")
+            verify(error.description.length > 0)
+            compare(capture.stage, FaceFlow.Idle)
+        }
+
+        function test_aRepeatedRequestJoinsTheOpenFlowAndIsAnsweredOnce() {
+            capture.requestFace()
+            const camera = capture.cameraScreen
+            capture.requestFace()
+            compare(capture.cameraScreen, camera)  // the same screen goes on
+            waitForReview()
+            capture.requestFace()
+            compare(capture.stage, FaceFlow.Review)
+            press("Yes, send")
+            finished.wait(3000)
+            wait(300)
+            compare(finished.count, 1)
+            // A request after the report starts a new flow.
+            capture.requestFace()
+            compare(capture.stage, FaceFlow.Camera)
+            verify(capture.cameraScreen !== camera)
+        }
+
+        function test_requestFromInsideTheReportStartsTheNextFlow() {
+            let restarted = false
+            const again = () => { capture.finished.disconnect(again); capture.requestFace(); restarted = capture.stage === FaceFlow.Camera }
+            capture.finished.connect(again)
+            capture.requestFace()
+            press("Back")
+            finished.wait(3000)
+            verify(restarted)
+        }
+
+        function test_tutorialHoldsTheCaptureUntilAnswered() {
+            capture.presentTutorial = true
+            capture.requestFace()
+            const session = capture.cameraScreen.session
+            verify(session.tutorialShown)
+            tryVerify(() => findButton(capture, "OK, I got it") !== null, 2000)
+            wait(1500)  // frames arrive, and are dropped unanalysed
+            compare(session.progress, 0)
+            verify(!session.faceFound)
+            compare(session.instruction, "Looking for face")
+            const gotIt = findButton(capture, "OK, I got it")
+            gotIt.pressed()
+            gotIt.pressed()  // a second tap while it fades
+            tryVerify(() => !session.tutorialShown, 2000)
+            tryVerify(() => findButton(capture, "OK, I got it") === null, 2000)
+            tryVerify(() => session.progress > 0, 15000, "the capture did not start after the tutorial")
+            // Help opens it again, and the capture rests while it shows.
+            press("Help")
+            verify(session.tutorialShown)
+        }
+
+        function test_landscapeCameraInADesktopWindow() {
+            host.width = 1280
+            host.height = 800
+            capture.videoFile = landscapeClip
+            capture.requestFace()
+            waitForReview(40000)
+            const photo = findByName(capture.reviewScreen, "Captured photo")
+            verify(photo)
+            // The review keeps its phone shape in the middle of the window.
+            verify(photo.width < 600)
+            press("Yes, send")
+            finished.wait(3000)
+            compare(finished.signalArguments[0][0], true)
+        }
+
+        function test_hiddenCaptureRestsAndGoesOnWhenShownAgain() {
+            capture.requestFace()
+            const session = capture.cameraScreen.session
+            tryVerify(() => session.progress > 0, 15000)
+            capture.cameraScreen.visible = false
+            verify(!session.shown)
+            const analysed = session.stats.analysed
+            wait(1200)
+            verify(session.stats.analysed <= analysed + 1)
+            capture.cameraScreen.visible = true
+            verify(session.shown)
+            waitForReview()
+        }
+
+        function test_sendAnswersWithTheToolkitsError() {
+            capture.sendFaceData()
+            compare(capture.sending, 1)
+            sendFailed.wait(15000)
+            compare(sent.count, 0)
+            compare(capture.sending, 0)
+            verify(sendFailed.signalArguments[0][0].code > 0)
+            compare(sendFailed.signalArguments[0][0].domain, "com.VextilToolkit")
+        }
+
+        function findByName(item, name) {
+            if (item.Accessible && item.Accessible.name === name)
+                return item
+            for (let i = 0; i < item.children.length; ++i) {
+                const found = findByName(item.children[i], name)
+                if (found)
+                    return found
+            }
+            return null
+        }
+    }
+}
