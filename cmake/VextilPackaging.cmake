@@ -12,4 +12,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION "libdevel")
 # The libraries it links (Qt, OpenCV, …) are found by dpkg-shlibdeps; the headers need Qt's.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-base-dev (>= 6.4)")
+if(VEXTIL_BUILD_QUICK)
+  # The Qt Quick module's headers and the QML modules it imports.
+  string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", qt6-declarative-dev (>= 6.4), qml6-module-qtquick (>= 6.4)")
+endif()
 include(CPack)

@@ -42,6 +42,20 @@ run(${CMAKE_COMMAND} --build ${WORK_DIR}/consumer)
 run(${WORK_DIR}/consumer/consumer)
 message(STATUS "${last_output}")
 
+# A QML host: finds the Quick component, links Vextil::Quick, and captures, reviews and uploads.
+if(QML_CONSUMER_DIR)
+  run(${CMAKE_COMMAND} -S ${QML_CONSUMER_DIR} -B ${WORK_DIR}/qml-consumer -DCMAKE_PREFIX_PATH=${prefix} ${consumer_flags})
+  run(${CMAKE_COMMAND} --build ${WORK_DIR}/qml-consumer)
+  run(${QML_CONSUMER_DIR}/../run-qml-consumer.sh ${BUILD_DIR} ${WORK_DIR}/qml-consumer/qml_consumer ${CLIP})
+  message(STATUS "${last_output}")
+  # The plugin is installed where Qt lays out its modules, for hosts that only import it.
+  file(GLOB plugin ${prefix}/lib*/qt6/qml/VextilToolkit/libVextilToolkitQuickPlugin.so ${prefix}/lib/*/qt6/qml/VextilToolkit/libVextilToolkitQuickPlugin.so)
+  file(GLOB qmldir ${prefix}/lib*/qt6/qml/VextilToolkit/qmldir ${prefix}/lib/*/qt6/qml/VextilToolkit/qmldir)
+  if(NOT plugin OR NOT qmldir)
+    message(FATAL_ERROR "the QML module's plugin or qmldir is not installed")
+  endif()
+endif()
+
 # A host asking for another major version must be turned away.
 execute_process(
   COMMAND ${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/consumer-v1 -DCMAKE_PREFIX_PATH=${prefix}

@@ -17,7 +17,9 @@ foreach(expected "usr/include/VextilToolkit/VextilFace.h" "usr/include/VextilToo
                  "usr/share/VextilToolkit/translations/vextiltoolkit_de.qm"
                  "usr/share/VextilToolkit/translations/vextiltoolkit_es.qm"
                  "usr/share/VextilToolkit/translations/vextiltoolkit_pt_BR.qm"
-                 "usr/share/VextilToolkit/translations/vextiltoolkit.ts")
+                 "usr/share/VextilToolkit/translations/vextiltoolkit.ts"
+                 "qt6/qml/VextilToolkit/qmldir" "qt6/qml/VextilToolkit/libVextilToolkitQuickPlugin.so"
+                 "libVextilToolkitQuick.so.0")
   string(FIND "${last_output}" "${expected}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "the package lacks ${expected}:\n${last_output}")

@@ -1,0 +1,28 @@
+// qml_consumer CLIP HOST:PORT AUTHORITY.pem: captures with the clip as the camera, accepts the
+// review as a user would, and uploads to the given service; exits 0 once the upload succeeded.
+#include <VextilToolkit/VextilRepository.h>
+#include <VextilToolkit/VextilToolkitSettings.h>
+
+#include <QFile>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+
+int main(int argc, char **argv)
+{
+    QGuiApplication app(argc, argv);
+    if (argc != 4)
+        return 64;
+    VextilToolkitSettings::sharedInstance()->initWithAuthKey(QStringLiteral("demo-key"));
+    QFile authority(QString::fromLocal8Bit(argv[3]));
+    if (!authority.open(QIODevice::ReadOnly))
+        return 66;
+    VextilRepository::sharedInstance()->setUploadHost(QString::fromLocal8Bit(argv[2]));
+    VextilRepository::sharedInstance()->setExtraCertificateAuthorities({authority.readAll()});
+
+    QQmlApplicationEngine engine;
+    engine.setInitialProperties({{QStringLiteral("clip"), QString::fromLocal8Bit(argv[1])}});
+    engine.load(QUrl(QStringLiteral("qrc:/consumer/Main.qml")));
+    if (engine.rootObjects().isEmpty())
+        return 70;
+    return app.exec();
+}
