@@ -11,6 +11,8 @@ FocusScope {
     // Covered by the review: the camera rests, as it does behind a hidden window.
     property bool covered: false
     signal finished(bool success)
+    // What the keyboard may reach now: the permission alert, the tips, or the screen itself.
+    readonly property Item keyboardScope: alert.visible ? alert : (tutorial.item ? tutorial.item : screen)
 
     Accessible.role: Accessible.Pane
     Accessible.name: qsTranslate("VextilToolkit", "Register selfie")

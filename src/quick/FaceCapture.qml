@@ -38,6 +38,17 @@ FocusScope {
     function sendFaceData() { flow.sendFaceData() }
 
     property Item focusBefore
+
+    // Tab and Shift+Tab go round the top-most screen's own controls (or its overlay's), never
+    // to covered ones or the host's beneath.
+    FocusTrap {
+        scope: {
+            if (reviewLoader.item)
+                return reviewLoader.item
+            return cameraLoader.item ? cameraLoader.item.keyboardScope : null
+        }
+    }
+
     readonly property int slideMs: 250
 
     FaceFlow {
@@ -65,6 +76,10 @@ FocusScope {
             slideIn(reviewLoader)
             break
         case FaceFlow.Closing:
+            // The focus goes back to the host's control now: the screens are leaving, and none
+            // of their controls may take it on the way out.
+            if (capture.focusBefore)
+                capture.focusBefore.forceActiveFocus()
             reviewLoader.active = false
             if (cameraLoader.item)
                 cameraLoader.item.session.leaving = true
@@ -110,8 +125,6 @@ FocusScope {
         target: cameraLoader; property: "y"; to: capture.height; duration: capture.slideMs; easing.type: Easing.InCubic
         onFinished: {
             cameraLoader.active = false
-            if (capture.focusBefore)
-                capture.focusBefore.forceActiveFocus()  // back where the host had it
             flow.screensClosed()
         }
     }

@@ -56,7 +56,7 @@ Item {
         clip: true
         Accessible.role: Accessible.Indicator
         Accessible.name: qsTranslate("VextilToolkit", "Progress")
-        Accessible.description: Math.round(shown * 100) + "%"
+        Accessible.description: Math.round((box.session ? box.session.progress : 0) * 100) + "%"
         property real shown: box.session ? box.session.progress : 0
         Behavior on shown { NumberAnimation { duration: 500; easing.type: Easing.Linear } }
         Rectangle {

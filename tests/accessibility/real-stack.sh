@@ -5,12 +5,19 @@
 # and keys sent with xdotool: Space and Tab only. The demo host runs with the facade's defaults
 # (tutorial on) against the reference upload server. Ends every process it started.
 #
-#   real-stack.sh BUILD_DIR OUT_DIR CLIP
+#   real-stack.sh BUILD_DIR OUT_DIR CLIP [widgets|qml]
+# The last argument picks the demo host: the Qt Widgets one (the default) or the QML one; both
+# must be heard the same.
 # Exit 0 when every check holds, 77 (skipped) when a part of the stack is missing outside CI.
 set -uo pipefail
 build=$(cd "$1" && pwd)
 out=$2
 clip=$3
+case ${4:-widgets} in
+  widgets) app=vextil_demo_host; binary=examples/demo-host/vextil_demo_host; title="VextilToolkit demo host" ;;
+  qml) app=vextil_qml_demo_host; binary=examples/qml-demo-host/vextil_qml_demo_host; title="VextilToolkit QML demo host" ;;
+  *) echo "unknown host ${4}" >&2; exit 2 ;;
+esac
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
 rm -rf "$out" && mkdir -p "$out"
@@ -61,7 +68,7 @@ export DBUS_SESSION_BUS_ADDRESS
 pids+=($!)
 sleep 1
 
-/usr/bin/python3 "$here/listener.py" vextil_demo_host "$log" >"$out/listener.out" 2>&1 &
+/usr/bin/python3 "$here/listener.py" "$app" "$log" >"$out/listener.out" 2>&1 &
 pids+=($!)
 for _ in $(seq 100); do grep -q ready "$out/listener.out" && break; sleep 0.1; done
 grep -q ready "$out/listener.out" || fail "the listener did not start: $(cat "$out/listener.out")"
@@ -72,12 +79,12 @@ start_reference_server "$build" "$out/server.log" "$key" --storage "$out/uploads
 pids+=("$server")
 
 QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1 \
-  "$build/examples/demo-host/vextil_demo_host" --key "$key" --upload-host "$host" --upload-ca "$authority" \
+  "$build/$binary" --key "$key" --upload-host "$host" --upload-ca "$authority" \
   --camera-file "$clip" >"$out/demo.log" 2>&1 &
 demo=$!
 pids+=("$demo")
 
-window=$(xdotool search --sync --name "VextilToolkit demo host" 2>/dev/null | head -1)
+window=$(xdotool search --sync --name "^$title\$" 2>/dev/null | head -1)
 [ -n "$window" ] || fail "no demo window"
 xdotool windowfocus --sync "$window"
 

@@ -8,6 +8,20 @@ Item {
     width: 390
     height: 844
 
+    // The host's own control, which has the keyboard focus before and after a flow.
+    Rectangle {
+        id: hostButton
+        width: 100; height: 40
+        focus: true
+        activeFocusOnTab: true
+        Accessible.role: Accessible.Button
+        Accessible.name: "Take selfie"
+    }
+    Rectangle {
+        id: hostSend
+        y: 50; width: 100; height: 40
+        activeFocusOnTab: true
+    }
     FaceCapture {
         id: capture
         presentTutorial: false
@@ -202,6 +216,44 @@ Item {
             compare(capture.sending, 0)
             verify(sendFailed.signalArguments[0][0].code > 0)
             compare(sendFailed.signalArguments[0][0].domain, "com.VextilToolkit")
+        }
+
+        function focusedName() {
+            const item = host.Window.activeFocusItem
+            return item ? (item.Accessible.name || item.accessibleName || item.text || "") : "(none)"
+        }
+        function tabRound(count) {
+            const names = []
+            for (let i = 0; i < count; ++i) {
+                keyClick(Qt.Key_Tab)
+                names.push(focusedName())
+            }
+            return names
+        }
+
+        function test_keyboardFocusStaysInTheToolkitsScreens() {
+            hostButton.forceActiveFocus()
+            capture.presentTutorial = true
+            capture.requestFace()
+            tryCompare(host.Window, "activeFocusItem", findButton(capture, "OK, I got it"), 2000)
+            wait(600)  // still there once the screen has arrived
+            compare(focusedName(), "OK, I got it")
+            compare(tabRound(2), ["OK, I got it", "OK, I got it"])  // the tips' only button
+            keyClick(Qt.Key_Space)
+            tryCompare(capture.cameraScreen.session, "tutorialShown", false, 2000)
+            tryVerify(() => focusedName() === capture.cameraScreen.session.status, 2000, "the status did not take the focus")
+            // Round the camera screen's own controls, never the host's beneath.
+            const camera = tabRound(3).sort()
+            compare(camera, ["Back", "Help", capture.cameraScreen.session.status].sort())
+            waitForReview()
+            tryCompare(host.Window, "activeFocusItem", findButton(capture.reviewScreen, "Yes, send"), 2000)
+            const review = tabRound(3)
+            compare(review.slice().sort(), ["Back", "No, take another photo.", "Yes, send"])
+            compare(review[2], "Yes, send")
+            keyClick(Qt.Key_Space)
+            finished.wait(3000)
+            compare(finished.signalArguments[0][0], true)
+            verify(hostButton.activeFocus, "the focus did not go back to the host's control")
         }
 
         function findByName(item, name) {
