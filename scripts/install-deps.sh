@@ -15,6 +15,8 @@ packages=(
   qt6-l10n-tools qt6-tools-dev
   libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base gstreamer1.0-plugins-good
   xvfb dbus-x11 at-spi2-core python3-pyatspi gir1.2-atspi-2.0 xdotool
+  qt6-declarative-dev qt6-declarative-dev-tools qml6-module-qtqml qml6-module-qtquick qml6-module-qtquick-window
+  qml6-module-qttest qml6-module-qtmultimedia qml6-module-qtqml-workerscript
 )
 
 missing=()

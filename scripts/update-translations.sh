@@ -8,6 +8,6 @@ lupdate=${LUPDATE:-/usr/lib/qt6/bin/lupdate}
 cd "$root"
 for ts in translations/vextiltoolkit.ts translations/vextiltoolkit_*.ts; do
   language=$(basename "$ts" .ts | sed -n 's/^vextiltoolkit_//p')
-  "$lupdate" src include -I src -I include -extensions cpp,h -locations none -no-obsolete \
+  "$lupdate" src include -I src -I include -extensions cpp,h,qml -locations none -no-obsolete \
     -source-language en ${language:+-target-language "$language"} -ts "$ts"
 done

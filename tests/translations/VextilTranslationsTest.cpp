@@ -61,7 +61,7 @@ QStringList textsInSources()
     lupdate.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     lupdate.start(QStringLiteral(VEXTIL_LUPDATE),
                   {QStringLiteral(VEXTIL_SOURCE_DIR "/src"), QStringLiteral(VEXTIL_SOURCE_DIR "/include"), QStringLiteral("-I"),
-                   QStringLiteral(VEXTIL_SOURCE_DIR "/src"), QStringLiteral("-extensions"), QStringLiteral("cpp,h"),
+                   QStringLiteral(VEXTIL_SOURCE_DIR "/src"), QStringLiteral("-extensions"), QStringLiteral("cpp,h,qml"),
                    QStringLiteral("-locations"), QStringLiteral("none"), QStringLiteral("-silent"), QStringLiteral("-ts"), out});
     if (!lupdate.waitForFinished(60000) || lupdate.exitCode() != 0)
         return {};
