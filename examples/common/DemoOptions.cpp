@@ -36,6 +36,8 @@ DemoOptions::DemoOptions(const QString &description)
                         QStringLiteral("name")});
     m_parser.addOption({QStringLiteral("scheme"), QStringLiteral("Use the host's own colour scheme.")});
     m_parser.addOption({QStringLiteral("no-tutorial"), QStringLiteral("Open the camera without the tutorial.")});
+    m_parser.addOption({QStringLiteral("size"), QStringLiteral("Size of the host window, such as 1080x1920 (390x844 by default)."),
+                        QStringLiteral("WxH")});
     m_parser.addOption({QStringLiteral("unattended"), QStringLiteral("Answer every screen automatically, then quit.")});
     m_parser.addOption({QStringLiteral("screenshots"), QStringLiteral("Folder for the unattended run's screenshots."),
                         QStringLiteral("dir"), QStringLiteral("screenshots")});
@@ -60,6 +62,14 @@ bool DemoOptions::apply(const QCoreApplication &app)
     }
     if (isSet(QStringLiteral("scheme")))
         settings->setColorScheme(std::make_shared<TealScheme>());
+    if (isSet(QStringLiteral("size"))) {
+        const QStringList sides = value(QStringLiteral("size")).split(QLatin1Char('x'));
+        m_size = sides.size() == 2 ? QSize(sides[0].toInt(), sides[1].toInt()) : QSize();
+        if (m_size.isEmpty()) {
+            std::fprintf(stderr, "error: --size takes WIDTHxHEIGHT, such as 1080x1920\n");
+            return false;
+        }
+    }
     m_clip = value(QStringLiteral("camera-file"));
     if (m_clip.isEmpty() && isSet(QStringLiteral("unattended")))
         m_clip = QStringLiteral(VEXTIL_SELFIE_CLIP);

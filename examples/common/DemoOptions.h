@@ -1,11 +1,12 @@
 #pragma once
 
 #include <QCommandLineParser>
+#include <QSize>
 #include <QString>
 
 // The options both demo hosts take, and what they set in the toolkit, as a host would in code:
 //   [--key KEY] [--upload-host HOST:PORT] [--upload-ca PEM] [--camera-file CLIP] [--locale NAME]
-//   [--scheme] [--no-tutorial] [--unattended --screenshots DIR]
+//   [--scheme] [--no-tutorial] [--size WxH] [--unattended --screenshots DIR]
 class DemoOptions {
 public:
     explicit DemoOptions(const QString &description);
@@ -18,8 +19,11 @@ public:
     // The video file standing in for the camera (the sample clip when unattended), empty for
     // the camera itself.
     QString clip() const { return m_clip; }
+    // The host window's size: a phone's, 390x844, unless --size says otherwise.
+    QSize windowSize() const { return m_size; }
 
 private:
     QCommandLineParser m_parser;
     QString m_clip;
+    QSize m_size{390, 844};
 };

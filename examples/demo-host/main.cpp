@@ -23,7 +23,7 @@ int main(int argc, char **argv)
         VextilFace::sharedInstance()->setFrameSourceFactory([clip] { return std::make_unique<VextilVideoFileSource>(clip, true); });
 
     DemoWindow window;
-    window.resize(390, 844);
+    window.resize(options.windowSize());
     window.show();
     if (!options.isSet(QStringLiteral("unattended")))
         return app.exec();

@@ -17,7 +17,9 @@ int main(int argc, char **argv)
 
     QQmlApplicationEngine engine;
     engine.setInitialProperties({{QStringLiteral("presentTutorial"), !options.isSet(QStringLiteral("no-tutorial"))},
-                                 {QStringLiteral("cameraFile"), options.clip()}});
+                                 {QStringLiteral("cameraFile"), options.clip()},
+                                 {QStringLiteral("width"), options.windowSize().width()},
+                                 {QStringLiteral("height"), options.windowSize().height()}});
     engine.load(QUrl(QStringLiteral("qrc:/qml-demo-host/Main.qml")));
     auto *window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(engine.rootObjects().first());
     if (!window)

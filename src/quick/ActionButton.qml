@@ -27,12 +27,13 @@ Rectangle {
     Row {
         id: content
         anchors.centerIn: parent
-        spacing: button.iconName ? 30 : 0
+        // A picture and its title sit 15 apart, the pair centred.
+        spacing: button.iconName ? 15 : 0
         Artwork {
             name: button.iconName
             visible: button.iconName !== ""
-            width: visible ? button.height * 0.5 : 0
-            height: width
+            width: visible ? implicitWidth : 0
+            height: implicitHeight
             anchors.verticalCenter: parent.verticalCenter
             Accessible.ignored: true
         }
@@ -43,7 +44,7 @@ Rectangle {
             font.bold: button.bold
             fontSizeMode: Text.HorizontalFit
             minimumPixelSize: 10
-            width: Math.min(implicitWidth, button.width - 8 - (button.iconName ? button.height * 0.5 + 30 : 0))
+            width: Math.min(implicitWidth, button.width - 8 - (button.iconName ? 24 + 15 : 0))
             height: button.height
             verticalAlignment: Text.AlignVCenter
             horizontalAlignment: Text.AlignHCenter
