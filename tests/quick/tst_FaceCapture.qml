@@ -208,6 +208,30 @@ Item {
             waitForReview()
         }
 
+        function test_refusedCameraAccessOffersTheSettingsOrEndsIn421() {
+            cameraPermission.answer("denied")
+            capture.requestFace()
+            const alert = findByName(capture, "Error")
+            tryVerify(() => alert && alert.visible && findButton(capture, "Settings") !== null, 3000, "no permission alert")
+            compare(alert.Accessible.description, "You need to allow this app to access this device's camera.")
+            const opened = cameraPermission.settingsOpened
+            press("Settings")
+            compare(cameraPermission.settingsOpened, opened + 1)
+            wait(200)
+            compare(finished.count, 0, "Settings leaves the screen up")
+            press("Cancel")
+            finished.wait(3000)
+            compare(finished.signalArguments[0][0], false)
+            compare(finished.signalArguments[0][1].code, 421)
+
+            cameraPermission.answer("restricted")
+            capture.requestFace()
+            finished.wait(3000)  // restricted fails at once
+            compare(finished.count, 2)
+            compare(finished.signalArguments[1][1].code, 421)
+            cameraPermission.answer("authorized")
+        }
+
         function test_sendAnswersWithTheToolkitsError() {
             capture.sendFaceData()
             compare(capture.sending, 1)
