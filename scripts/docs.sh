@@ -13,5 +13,7 @@ for locale in de es pt_BR; do
   QT_QPA_PLATFORM=offscreen "$shots" --locale "$locale" --out "$languages"
   cp "$languages/tutorial-390x844-$locale.png" "$languages/review-390x844-$locale.png" "$root/docs/images/"
 done
+# The QML screens, from an unattended run of the QML demo host at both sizes.
+"$root/scripts/qml-screenshots.sh" "$root/build" "$root/docs/images"
 cmake --build "$root/build" --target docs
 echo "API reference: $root/build/docs/html/index.html"
