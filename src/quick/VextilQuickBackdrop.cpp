@@ -25,12 +25,9 @@ void VextilQuickBackdrop::capture()
     connect(m_grab.data(), &QQuickItemGrabResult::ready, this, [this, grab = m_grab.data()] {
         if (grab != m_grab.data())
             return;  // an older picture, replaced by a newer request
-        const bool was = ready();
         m_picture = VextilBackdropBlur::blurred(grab->image());
         m_grab.reset();
         update();
-        if (!was)
-            Q_EMIT readyChanged();
     });
 }
 

@@ -13,21 +13,17 @@ class VextilQuickBackdrop : public QQuickPaintedItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(BlurredBackdrop)
     Q_PROPERTY(QQuickItem *source READ source WRITE setSource NOTIFY sourceChanged)
-    /// Whether the blurred picture has been taken.
-    Q_PROPERTY(bool ready READ ready NOTIFY readyChanged)
 public:
     explicit VextilQuickBackdrop(QQuickItem *parent = nullptr);
 
     QQuickItem *source() const { return m_source; }
     void setSource(QQuickItem *source);
-    bool ready() const { return !m_picture.isNull(); }
     /// Takes the picture of the source again.
     Q_INVOKABLE void capture();
     void paint(QPainter *painter) override;
 
 Q_SIGNALS:
     void sourceChanged();
-    void readyChanged();
 
 private:
     QPointer<QQuickItem> m_source;

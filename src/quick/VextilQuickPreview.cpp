@@ -14,11 +14,7 @@ void VextilQuickPreview::setSession(VextilQuickCaptureSession *session)
         disconnect(m_session, nullptr, this, nullptr);
     m_session = session;
     if (session)
-        connect(session, &VextilQuickCaptureSession::frameChanged, this, [this] {
-            update();
-            if (!std::exchange(m_live, true))
-                Q_EMIT liveChanged();
-        });
+        connect(session, &VextilQuickCaptureSession::frameChanged, this, [this] { update(); });
     Q_EMIT sessionChanged();
     update();
 }

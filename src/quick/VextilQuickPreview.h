@@ -12,21 +12,16 @@ class VextilQuickPreview : public QQuickPaintedItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(CameraPreview)
     Q_PROPERTY(VextilQuickCaptureSession *session READ session WRITE setSession NOTIFY sessionChanged)
-    /// Whether a frame has been drawn yet.
-    Q_PROPERTY(bool live READ live NOTIFY liveChanged)
 public:
     explicit VextilQuickPreview(QQuickItem *parent = nullptr);
 
     VextilQuickCaptureSession *session() const { return m_session; }
     void setSession(VextilQuickCaptureSession *session);
-    bool live() const { return m_session && !m_session->frame().isNull(); }
     void paint(QPainter *painter) override;
 
 Q_SIGNALS:
     void sessionChanged();
-    void liveChanged();
 
 private:
     QPointer<VextilQuickCaptureSession> m_session;
-    bool m_live = false;
 };
