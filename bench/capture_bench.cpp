@@ -12,11 +12,14 @@
 
 #include "camera/VextilUprightFrame.h"
 #include "camera/VextilVideoFrameMapping.h"
+#include "capture/VextilFaceTrack.h"
+#include "capture/VextilSmileJudge.h"
 #include "ClipRun.h"
 #include "detection/VextilBlazeFace.h"
 #include "detection/VextilCascadeFaceDetector.h"
 #include "detection/VextilGreyExpressionNet.h"
 #include "detection/VextilLearnedFaceDetector.h"
+#include "GuidedClips.h"
 #include "LabelledPhotos.h"
 #include "YuvFrames.h"
 
@@ -28,6 +31,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <functional>
 #include <map>
@@ -305,6 +309,98 @@ int earlySmiles(const char *name, const Factory &make, const QStringList &paths)
     return clean;
 }
 
+// Photos swapped for another (cut, slid in, behind a hand): how many never complete.
+int swaps(const char *name, const Factory &make, const QStringList &paths)
+{
+    int refused = 0;
+    for (const QString &clip : paths) {
+        const ClipRunResult r = runClip(clip, make());
+        refused += r.opened && !r.completed;
+        std::printf("%-8s %-26s %s; %d neutral images taken, %d fall-backs\n", name,
+                    qPrintable(QFileInfo(clip).fileName()), r.completed ? "COMPLETED (a swap passed)" : "refused",
+                    int(r.neutralTakenSeconds.size()), r.fallbacks);
+    }
+    return refused;
+}
+
+// Users told what to do: how many clips show the right instruction within kGuidedWithinSeconds of
+// the face appearing, in the camera view they are filmed for, and then complete.
+int guided(const char *name, const Factory &make, const QStringList &paths)
+{
+    int good = 0;
+    for (const QString &clip : paths) {
+        const GuidedClip expected = guidedClip(clip);
+        const ClipRunResult r = runClip(clip, make(), expected.view);
+        const double shown = r.firstShown(expected.instruction);
+        const bool inTime = shown >= 0 && shown <= kFaceAppearsSeconds + kGuidedWithinSeconds;
+        good += inTime && r.completed;
+        std::printf("%-8s %-30s \"%s\" %s; %s\n", name, qPrintable(QFileInfo(clip).fileName()),
+                    qPrintable(expected.instruction),
+                    shown < 0 ? "never shown" : qPrintable(QStringLiteral("shown at %1 s").arg(shown, 0, 'f', 2)),
+                    r.completed ? qPrintable(QStringLiteral("completed at %1 s").arg(r.completionSeconds, 0, 'f', 2))
+                                : "NOT completed");
+    }
+    return good;
+}
+
+// What the face track sees of live users and of swaps, with the learned detector, against its
+// limits: per clip, the fastest one-frame movement (face widths a second beyond the detector's
+// own jitter), the largest one-frame size change, the largest scene change around a face that
+// held still, the fastest mean speed while no guidance was called for, and the smile's growth:
+// the smallest largest-step share of its change in look during the 0.6 s after it first
+// shows (a grown smile must reach VextilSmileJudge::kLargestStep or less).
+void trackFigures(const QStringList &paths, QSizeF view = {})
+{
+    for (const QString &clip : paths) {
+        VextilVideoFileReader reader;
+        if (!reader.open(clip))
+            continue;
+        VextilLearnedFaceDetector detector;
+        detector.setStreamMode(true);
+        VextilFaceTrack track;
+        double fastest = 0, resize = 0, scene = 0, speed = 0, onset = -1, share = 99;
+        std::vector<float> rest;
+        int breaks = 0;
+        while (auto frame = reader.readFrame()) {
+            const QImage image =
+                view.isEmpty() ? frame->image : VextilUprightFrame::scaledImage(VextilCameraFrame(frame->image), view, 720);
+            const QList<VextilFaceFeature> faces = detector.featuresInImage(image);
+            const auto step = track.follow(image, faces.isEmpty() ? std::nullopt : std::optional(faces.first()),
+                                           view.isEmpty() ? QSizeF(image.size()) : view, frame->seconds);
+            breaks += step == VextilFaceTrack::Step::Broken;
+            if (faces.isEmpty() || step != VextilFaceTrack::Step::Continued)
+                continue;
+            const VextilTrackedFace &now = track.current();
+            const double elapsed = now.seconds - track.history()[track.history().size() - 2].seconds;
+            fastest = std::max(fastest, (now.shift - VextilFaceTrack::kJitter) / elapsed);
+            resize = std::max(resize, now.resize);
+            if (now.shift <= VextilFaceTrack::kJitter && std::isfinite(now.sceneChange))
+                scene = std::max(scene, now.sceneChange);
+            const float score = now.feature.smileScore.value_or(0);
+            if (rest.size() < 45) {  // the first 3 s of the face: at rest
+                speed = std::max(speed, track.speed());
+                rest.push_back(score);
+                continue;
+            }
+            std::nth_element(rest.begin(), rest.begin() + std::ptrdiff_t(rest.size() / 2), rest.end());
+            const float resting = rest[rest.size() / 2];
+            if (onset < 0 && score >= resting + VextilSmileJudge::kStrongRise)
+                onset = now.seconds;
+            if (onset >= 0 && now.seconds - onset <= VextilSmileJudge::kGrowthSeconds) {
+                const auto growth = VextilSmileJudge::growthSince(track, [resting](const VextilTrackedFace &f) {
+                    return f.feature.smileScore && *f.feature.smileScore <= resting + VextilSmileJudge::kRestBand;
+                });
+                if (growth.whole >= VextilSmileJudge::kSmileChange)
+                    share = std::min(share, growth.largestStep / growth.whole);
+            }
+        }
+        std::printf("track    %-30s fastest %4.2f fw/s resize %4.2f scene %5.1f speed at rest %4.2f fw/s | smile at %5.2f s, "
+                    "largest step %4.2f of its change | %d breaks\n",
+                    qPrintable(QFileInfo(clip).fileName()), fastest, resize, scene, speed, onset, share < 99 ? share : -1.0,
+                    breaks);
+    }
+}
+
 // The learned detector's smile log-odds over each clip, in still mode: the median of the
 // neutral face's frames and of the smile's, and the smile's lowest, which the capture's rise
 // rules are set against.
@@ -344,8 +440,10 @@ int main(int argc, char **argv)
     cv::setNumThreads(1);
     const QList<QImage> frames = clipFrames();
     std::printf("VextilToolkit capture benchmark (one thread, portrait 720x1280)\n");
-    conversion();
-    cameraFormats(frames.value(frames.size() / 2));
+    if (!app.arguments().contains(QStringLiteral("--clips-only"))) {
+        conversion();
+        cameraFormats(frames.value(frames.size() / 2));
+    }
     // The camera path alone, for quick comparisons of its conversions.
     if (app.arguments().contains(QStringLiteral("--formats-only")))
         return 0;
@@ -359,36 +457,54 @@ int main(int argc, char **argv)
         int clipsAtLimit = 0;
         int stillsRefused = 0;
         int earlyClean = 0;
+        int swapsRefused = 0;
+        int guidedDone = 0;
     };
     std::map<std::string, Summary> summary;
-    for (const auto &[name, make] : detectors)
-        summary[name].frameMs = perFrame(name, make, frames);
-    learnedParts(frames);
-    for (const auto &[name, make] : detectors)
-        summary[name].smiles = photos(name, make);
-    learnedCurve();
+    // The capture over the clips alone, for quick looks at its rules; no summary lines.
+    const bool clipsOnly = app.arguments().contains(QStringLiteral("--clips-only"));
+    if (!clipsOnly) {
+        for (const auto &[name, make] : detectors)
+            summary[name].frameMs = perFrame(name, make, frames);
+        learnedParts(frames);
+        for (const auto &[name, make] : detectors)
+            summary[name].smiles = photos(name, make);
+        learnedCurve();
+    }
     const QStringList paths = clipList(VEXTIL_SMILE_CLIPS);
     for (const auto &[name, make] : detectors)
         summary[name].clipsAtLimit = clips(name, make, paths);
     const QStringList stillPaths = clipList(VEXTIL_STILL_CLIPS), earlyPaths = clipList(VEXTIL_EARLY_SMILE_CLIPS);
     learnedClipScores(paths + stillPaths);
+    const QStringList swapPaths = clipList(VEXTIL_SWAP_CLIPS), guidedPaths = clipList(VEXTIL_GUIDED_CLIPS);
+    trackFigures(paths + earlyPaths + swapPaths);
+    for (const QString &clip : guidedPaths)
+        trackFigures({clip}, guidedClip(clip).view);
     for (const auto &[name, make] : detectors) {
         summary[name].stillsRefused = stills(name, make, stillPaths);
         summary[name].earlyClean = earlySmiles(name, make, earlyPaths);
+        summary[name].swapsRefused = swaps(name, make, swapPaths);
+        summary[name].guidedDone = guided(name, make, guidedPaths);
     }
-    const QStringList given = app.arguments().mid(1);
+    QStringList given = app.arguments().mid(1);
+    given.removeAll(QStringLiteral("--clips-only"));
+    if (!given.isEmpty())
+        trackFigures(given);
     for (const auto &[name, make] : detectors)
         if (!given.isEmpty())
             std::printf("%s clips given completed at the pacing limit %d/%lld\n", name, clips(name, make, given),
                         static_cast<long long>(given.size()));
     // One line per detector, in a fixed form that scripts compare between runs.
     for (const auto &[name, make] : detectors) {
+        if (clipsOnly)
+            break;
         const Summary &s = summary[name];
         std::printf("detector %s frame_ms %.2f smile_recall %.2f smile_precision %.2f clips_completed %d/%lld"
-                    " stills_refused %d/%lld early_smile_clean %d/%lld\n",
+                    " stills_refused %d/%lld early_smile_clean %d/%lld swaps_refused %d/%lld guided %d/%lld\n",
                     name, s.frameMs, s.smiles.recall, s.smiles.precision, s.clipsAtLimit,
                     static_cast<long long>(paths.size()), s.stillsRefused, static_cast<long long>(stillPaths.size()),
-                    s.earlyClean, static_cast<long long>(earlyPaths.size()));
+                    s.earlyClean, static_cast<long long>(earlyPaths.size()), s.swapsRefused,
+                    static_cast<long long>(swapPaths.size()), s.guidedDone, static_cast<long long>(guidedPaths.size()));
     }
     return 0;
 }

@@ -3,6 +3,8 @@
 # clip, against the reference upload server, at a phone's size (390x844) and a large phone's
 # (1080x1920), offscreen on Qt Quick's software renderer, and keeps each screen as
 #   OUT/qml-<screen>-<size>.png   (tutorial, camera-collecting, camera-smile, review)
+# and, in a 1280x800 desktop window over a laptop webcam's clip whose user starts too far,
+#   OUT/qml-camera-move-closer-1280x800.png
 #   qml-screenshots.sh BUILD_DIR OUT_DIR
 set -euo pipefail
 build=$(cd "$1" && pwd)
@@ -22,3 +24,10 @@ for size in 390x844 1080x1920; do
     echo "saved $out/qml-${shot#?-}-$size.png"
   done
 done
+# A desktop window, the user at first too far for the camera view.
+QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software "$build/examples/qml-demo-host/vextil_qml_demo_host" \
+  --unattended --size 1280x800 --key demo-key --upload-host "$host" --upload-ca "$authority" \
+  --camera-file "$build/data/guided_closer_desktop.avi" --screenshots "$work/desktop" "${@:3}" \
+  >"$work/desktop.log" 2>&1 || { cat "$work/desktop.log" >&2; exit 1; }
+cp "$work/desktop/2-camera-move-closer.png" "$out/qml-camera-move-closer-1280x800.png"
+echo "saved $out/qml-camera-move-closer-1280x800.png"

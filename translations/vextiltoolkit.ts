@@ -115,5 +115,25 @@
         <source>Tips</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Move closer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Move back</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Center your face</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find more light</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Hold still</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -115,5 +115,25 @@
         <source>Tips</source>
         <translation>Tipps</translation>
     </message>
+    <message>
+        <source>Move closer</source>
+        <translation>Kommen Sie näher</translation>
+    </message>
+    <message>
+        <source>Move back</source>
+        <translation>Gehen Sie etwas zurück</translation>
+    </message>
+    <message>
+        <source>Center your face</source>
+        <translation>Zentrieren Sie Ihr Gesicht</translation>
+    </message>
+    <message>
+        <source>Find more light</source>
+        <translation>Suchen Sie mehr Licht</translation>
+    </message>
+    <message>
+        <source>Hold still</source>
+        <translation>Halten Sie still</translation>
+    </message>
 </context>
 </TS>

@@ -115,5 +115,25 @@
         <source>Tips</source>
         <translation>Consejos</translation>
     </message>
+    <message>
+        <source>Move closer</source>
+        <translation>Acércate</translation>
+    </message>
+    <message>
+        <source>Move back</source>
+        <translation>Aléjate un poco</translation>
+    </message>
+    <message>
+        <source>Center your face</source>
+        <translation>Centra la cara</translation>
+    </message>
+    <message>
+        <source>Find more light</source>
+        <translation>Busca más luz</translation>
+    </message>
+    <message>
+        <source>Hold still</source>
+        <translation>No te muevas</translation>
+    </message>
 </context>
 </TS>

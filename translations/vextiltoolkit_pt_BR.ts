@@ -115,5 +115,25 @@
         <source>Tips</source>
         <translation>Dicas</translation>
     </message>
+    <message>
+        <source>Move closer</source>
+        <translation>Aproxime-se</translation>
+    </message>
+    <message>
+        <source>Move back</source>
+        <translation>Afaste-se um pouco</translation>
+    </message>
+    <message>
+        <source>Center your face</source>
+        <translation>Centralize o rosto</translation>
+    </message>
+    <message>
+        <source>Find more light</source>
+        <translation>Procure mais luz</translation>
+    </message>
+    <message>
+        <source>Hold still</source>
+        <translation>Não se mexa</translation>
+    </message>
 </context>
 </TS>

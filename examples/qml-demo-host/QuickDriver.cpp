@@ -13,6 +13,9 @@ constexpr int kGiveUpMs = 90000;
 // The toolkit's text as the user sees it, in the language its translation put in force.
 QString toolkitText(const char *english) { return QCoreApplication::translate("VextilToolkit", english); }
 
+// What the camera screen tells a user whose face it cannot use yet.
+constexpr const char *kGuidance[] = {"Move closer", "Move back", "Center your face", "Find more light", "Hold still"};
+
 // A shown button with that title: an item with a "text" and a pressed() signal.
 QQuickItem *shownButton(QQuickItem *item, const QString &title)
 {
@@ -95,6 +98,13 @@ void QuickDriver::poll()
         }
         return;
     }
+    // An instruction for the user, shot once it has been on screen for a moment.
+    const QString instruction = capture->property("instruction").toString();
+    for (const char *guidance : kGuidance)
+        if (instruction == toolkitText(guidance) && once(instruction))
+            QTimer::singleShot(300, this, [this, guidance] {
+                shoot(QStringLiteral("2-camera-") + QString::fromLatin1(guidance).toLower().replace(u' ', u'-'));
+            });
     if (capture->property("progress").toDouble() >= 0.4 && once(QStringLiteral("collecting")))
         QTimer::singleShot(550, this, [this] { shoot(QStringLiteral("2-camera-collecting")); });  // once the bar has moved
     if (capture->property("smilePrompt").toBool() && once(QStringLiteral("smile")))

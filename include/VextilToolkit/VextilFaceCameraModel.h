@@ -18,17 +18,22 @@
 #include <memory>
 #include <optional>
 
+class VextilFaceTrack;
 class VextilSmileJudge;
 
 /// The face capture state machine. Fed one image per camera frame, it detects the face and its
 /// smile, collects five neutral images at least a second apart and then two smiling ones,
 /// drives the camera screen through its delegate, and hands the images to VextilRepository.
-/// The smile is a liveness check. While neutral images are collected, no frame the detector
-/// calls smiling is taken: a user who smiles too early is asked to relax ("Relax your face") and
-/// the capture waits. Once the smile is asked for, a face whose detector grades its smile
-/// (VextilFaceFeature::smileScore) smiles only when it rises clearly above this user's own
-/// neutral frames of this capture, so a still photo never completes; a detector without a
-/// grade is taken at its word. The model puts its detector in stream mode.
+/// The smile is a liveness check, on one face followed frame by frame: a face that jumps, a
+/// scene swapped around it, or a face lost for two frames starts the collection over, smiles
+/// included. While neutral images are collected, no frame the detector calls smiling is taken:
+/// a user who smiles too early is asked to relax ("Relax your face") and the capture waits.
+/// Once the smile is asked for, it counts only when it has grown over several frames, and, for
+/// a detector that grades it (VextilFaceFeature::smileScore), when it rises clearly above this
+/// user's own neutral frames of this capture, so a still photo, or one swapped for another,
+/// never completes. A face that is found but not ready is not used, and the user is told what
+/// to do ("Move closer", "Move back", "Center your face", "Find more light", "Hold still").
+/// The model puts its detector in stream mode.
 ///
 /// Create it on the GUI thread. The state machine runs on one thread, the one that calls
 /// processFace(): the reset is queued there too (see setStateQueue). Completion runs on the GUI
@@ -56,7 +61,8 @@ public:
     /// Set before frames flow.
     void setStateQueue(StateQueue queue);
     /// Whether the face's on-screen width is strictly between 40% and 83% of the view's width,
-    /// with the image fitted into the view keeping its aspect.
+    /// with the image fitted into the view keeping its aspect (a ready face is also centred,
+    /// lit well enough and held still).
     bool isFaceNearEnough(const VextilFaceFeature &face, const QImage &image) const;
     /// Analyses one frame and moves the state machine. Capture thread; a frame that arrives
     /// while another is being detected is dropped.
@@ -100,15 +106,18 @@ public:
     void setDelegate(QObject *delegate);
 
 private:
-    void noFace();
+    void noFace(bool faceLost);
+    void startOver();
+    bool isReady(int hint);
+    void showHint(int hint);
     void lookingForFace(const VextilFaceFeature &face, const std::function<QImage()> &keep);
     void collectingFaces(const VextilFaceFeature &face, const std::function<QImage()> &keep);
     void awaitingSmile(const VextilFaceFeature &face, const std::function<QImage()> &keep);
     bool secondHasPassed() const;
     void stampClock();
+    double clockSeconds() const;
     int neutralCount() const;
     void completeCapture();
-    void askToRelax();
     void runOnStateQueue(std::function<void()> work);
     VextilFaceCameraModelDelegate *currentDelegate() const;
 
@@ -122,12 +131,17 @@ private:
     StateQueue m_stateQueue;
 
     std::shared_ptr<VextilFaceDetector> m_faceDetector;
+    std::unique_ptr<VextilFaceTrack> m_track;         // guarded by m_mutex
     std::unique_ptr<VextilSmileJudge> m_smileJudge;  // guarded by m_mutex
     VextilClock m_clock;
     // Nanoseconds since the clock's epoch; kNoDate when no frame was accepted yet.
     std::atomic<qint64> m_lastFrameDate;
     std::atomic<bool> m_isProcessing{false};
     std::atomic<bool> m_hasFaceInLastFrame{false};
-    std::atomic<bool> m_askedToRelax{false};  // the relax text is on show
+    // What the instruction line asks instead of the state's own text (a guidance hint), and the
+    // hint the last frames called for, with how many frames in a row did.
+    std::atomic<int> m_shownHint{0};
+    std::atomic<int> m_wantedHint{0};
+    std::atomic<int> m_wantedFrames{0};
     std::atomic<quint64> m_currentState{VextilFaceCaptureStateLookingForFace};
 };

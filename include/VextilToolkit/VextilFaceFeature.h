@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QList>
+#include <QPointF>
 #include <QRectF>
 
 #include <optional>
@@ -14,4 +16,8 @@ struct VextilFaceFeature {
     /// grade it, judged like hasSmile. The face capture model measures a graded smile against
     /// the user's own neutral frames of the same capture (see VextilFaceCameraModel).
     std::optional<float> smileScore = std::nullopt;
+    /// Key points where the detector finds them, in image pixels with the origin at the bottom
+    /// left: right eye, left eye, nose tip, mouth centre (in that order); empty otherwise. The
+    /// capture follows a face by its eyes, which a smile leaves where they are.
+    QList<QPointF> keyPoints = {};
 };

@@ -2,6 +2,8 @@
 
 #include <VextilToolkit/VextilRepository.h>
 
+#include "capture/VextilCaptureGuidance.h"
+#include "capture/VextilFaceTrack.h"
 #include "capture/VextilSmileJudge.h"
 #include "core/VextilLocked.h"
 #include "core/VextilMainQueue.h"
@@ -16,9 +18,11 @@ constexpr qint64 kNoDate = std::numeric_limits<qint64>::min();
 constexpr auto kPacing = std::chrono::seconds(1);
 constexpr int kNeutralImages = 5;
 constexpr int kSmileImages = 2;
-// A face must fill more than this much of the view's width, and less than the other.
-constexpr double kNearestRatio = 0.83;
-constexpr double kFarthestRatio = 0.4;
+// Frames in a row that must call for the same guidance before the instruction changes, so
+// that a face on a limit does not make the line (and a screen reader) flicker.
+constexpr int kSteadyHintFrames = 3;
+
+using Hint = VextilCaptureGuidance::Hint;
 
 }  // namespace
 
@@ -30,7 +34,7 @@ VextilFaceCameraModel::VextilFaceCameraModel(QObject *parent)
 VextilFaceCameraModel::VextilFaceCameraModel(std::shared_ptr<VextilFaceDetector> detector, VextilClock clock,
                                              QObject *parent)
     : QObject(parent), m_facesArray(std::make_shared<QList<QImage>>()), m_faceDetector(std::move(detector)),
-      m_smileJudge(std::make_unique<VextilSmileJudge>()),
+      m_track(std::make_unique<VextilFaceTrack>()), m_smileJudge(std::make_unique<VextilSmileJudge>()),
       m_clock(clock ? std::move(clock) : VextilClock(&std::chrono::steady_clock::now)), m_lastFrameDate(kNoDate)
 {
     // The smiling array is made by the first reset only: the camera screen always resets the
@@ -48,15 +52,10 @@ void VextilFaceCameraModel::setStateQueue(StateQueue queue) { writeLocked(m_mute
 
 bool VextilFaceCameraModel::isFaceNearEnough(const VextilFaceFeature &face, const QImage &image) const
 {
-    // Only the face's on-screen width decides. Flipping the origin and offsetting into the view
-    // move the rectangle but leave its width alone, so the width is scaled directly.
-    const double imageWidth = image.isNull() ? 0 : image.width();
-    const double imageHeight = image.isNull() ? 0 : image.height();
-    const QSizeF view = viewSize();
-    const double fit = std::min(view.width() / imageWidth, view.height() / imageHeight);
-    const double ratio = std::abs(face.bounds.width()) * fit / view.width();
+    const double ratio =
+        VextilFaceTrack::widthInView(face.bounds, image.isNull() ? QSizeF() : QSizeF(image.size()), viewSize());
     // Comparisons with NaN are false, so an unset view or a missing image never passes.
-    return kFarthestRatio < ratio && ratio < kNearestRatio;
+    return VextilCaptureGuidance::kFarthest < ratio && ratio < VextilCaptureGuidance::kNearest;
 }
 
 void VextilFaceCameraModel::processFace(const QImage &image)
@@ -74,17 +73,28 @@ void VextilFaceCameraModel::processFace(const QImage &image, const std::function
     // The guard covers detection only, not the state logic that follows.
     m_isProcessing = false;
 
-    if (features.isEmpty()) {
-        noFace();
+    const std::optional<VextilFaceFeature> first =
+        features.isEmpty() ? std::nullopt : std::optional<VextilFaceFeature>(features.first());
+    VextilFaceTrack::Step step;
+    Hint hint;
+    {
+        QMutexLocker lock(&m_mutex);
+        step = m_track->follow(image, first, m_viewSize, clockSeconds());
+        hint = VextilCaptureGuidance::of(*m_track);
+    }
+    if (!first) {
+        noFace(step == VextilFaceTrack::Step::Lost);
         return;
     }
-    VextilFaceFeature face = features.first();
-    if (!isFaceNearEnough(face, image))
+    if (step == VextilFaceTrack::Step::Broken)
+        startOver();  // another face, or a photo put in the face's place
+    if (!isReady(int(hint)))
         return;
+    VextilFaceFeature face = *first;
     const VextilFaceCaptureState state = currentState();
     {
         QMutexLocker lock(&m_mutex);
-        face.hasSmile = m_smileJudge->isSmiling(face, state != VextilFaceCaptureStateAwaitingSmile);
+        face.hasSmile = m_smileJudge->isSmiling(*m_track, state != VextilFaceCaptureStateAwaitingSmile);
     }
     switch (state) {
     case VextilFaceCaptureStateLookingForFace: lookingForFace(face, keep); break;
@@ -93,25 +103,60 @@ void VextilFaceCameraModel::processFace(const QImage &image, const std::function
     }
 }
 
-void VextilFaceCameraModel::noFace()
+void VextilFaceCameraModel::noFace(bool faceLost)
 {
-    // One face-less frame is forgiven; the second in a row drops every neutral image.
-    if (!m_hasFaceInLastFrame) {
-        {
-            QMutexLocker lock(&m_mutex);
-            if (m_facesArray)
-                m_facesArray->clear();
-            m_smileJudge->forget();  // the next face may be someone else's
-        }
-        setUItoState(VextilFaceCaptureStateLookingForFace);
-    }
+    // One face-less frame is forgiven; the second in a row loses the face and starts over.
+    if (!m_hasFaceInLastFrame || faceLost)
+        startOver();
     m_hasFaceInLastFrame = false;
+}
+
+void VextilFaceCameraModel::startOver()
+{
+    // Every image comes from one face followed throughout: the smiles go with the neutral
+    // images. New arrays rather than emptied ones: a capture already handed to the store stays whole.
+    {
+        QMutexLocker lock(&m_mutex);
+        m_facesArray = std::make_shared<QList<QImage>>();
+        if (m_facesSmileArray)
+            m_facesSmileArray = std::make_shared<QList<QImage>>();
+    }
+    setUItoState(VextilFaceCaptureStateLookingForFace);
+}
+
+bool VextilFaceCameraModel::isReady(int hint)
+{
+    m_wantedFrames = m_wantedHint.exchange(hint) == hint ? m_wantedFrames + 1 : 1;
+    if (m_wantedFrames >= kSteadyHintFrames && hint != int(Hint::Unmeasured)
+        && !(hint == int(Hint::None) && m_shownHint == int(Hint::RelaxFace)))
+        showHint(hint);
+    return hint == int(Hint::None);
+}
+
+void VextilFaceCameraModel::showHint(int hint)
+{
+    // Once until it changes, so that a screen reader hears it once.
+    if (m_shownHint.exchange(hint) == hint)
+        return;
+    VextilFaceCameraModelDelegate *delegate = currentDelegate();
+    if (!delegate)
+        return;
+    const VextilFaceCaptureState state = currentState();
+    if (hint != int(Hint::None))
+        delegate->updateMessageText(VextilCaptureGuidance::text(Hint(hint)));
+    else
+        delegate->updateMessageText(state == VextilFaceCaptureStateLookingForFace
+                                        ? VextilTexts::tr("Looking for face")
+                                        : VextilTexts::tr("Checking your face"));
+    // The smile is asked for only of a face that is ready.
+    if (state == VextilFaceCaptureStateAwaitingSmile)
+        delegate->isPopupViewHidden(hint != int(Hint::None));
 }
 
 void VextilFaceCameraModel::lookingForFace(const VextilFaceFeature &face, const std::function<QImage()> &keep)
 {
     if (face.hasSmile) {
-        askToRelax();  // a smile now would make neutral images of a smile: the capture waits
+        showHint(int(Hint::RelaxFace));  // a smile now would make neutral images of a smile: the capture waits
     } else {
         m_hasFaceInLastFrame = true;
         const QImage kept = keep();  // made outside the lock: a whole frame takes a while
@@ -204,24 +249,22 @@ bool VextilFaceCameraModel::secondHasPassed() const
 
 void VextilFaceCameraModel::stampClock() { m_lastFrameDate = m_clock().time_since_epoch().count(); }
 
+double VextilFaceCameraModel::clockSeconds() const
+{
+    return std::chrono::duration<double>(m_clock().time_since_epoch()).count();
+}
+
 int VextilFaceCameraModel::neutralCount() const
 {
     QMutexLocker lock(&m_mutex);
     return m_facesArray ? int(m_facesArray->size()) : 0;
 }
 
-void VextilFaceCameraModel::askToRelax()
-{
-    // Once until the state is shown again, so that a screen reader hears it once.
-    if (m_askedToRelax.exchange(true))
-        return;
-    if (VextilFaceCameraModelDelegate *delegate = currentDelegate())
-        delegate->updateMessageText(VextilTexts::tr("Relax your face"));
-}
-
 void VextilFaceCameraModel::setUItoState(VextilFaceCaptureState state)
 {
-    m_askedToRelax = false;
+    m_shownHint = int(Hint::None);
+    m_wantedHint = int(Hint::None);
+    m_wantedFrames = 0;
     VextilFaceCameraModelDelegate *delegate = currentDelegate();
     // Entering state 2 keeps the mask green from state 1; every other real change toggles it.
     if (state != VextilFaceCaptureStateAwaitingSmile && state != currentState() && delegate)
@@ -256,7 +299,7 @@ void VextilFaceCameraModel::resetState()
             QMutexLocker lock(&m_mutex);
             m_facesArray = std::make_shared<QList<QImage>>();
             m_facesSmileArray = std::make_shared<QList<QImage>>();
-            m_smileJudge->forget();
+            m_track->reset();  // the smile judge forgets with it
         }
         setUItoState(VextilFaceCaptureStateLookingForFace);
     });

@@ -1,5 +1,7 @@
 #include "capture/VextilSmileJudge.h"
 
+#include "capture/VextilFaceTrack.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -14,16 +16,34 @@ void keepLast(std::deque<float> &scores, float score, int count)
 
 }  // namespace
 
-bool VextilSmileJudge::isSmiling(const VextilFaceFeature &face, bool collectingNeutral)
+bool VextilSmileJudge::isSmiling(const VextilFaceTrack &track, bool collectingNeutral)
 {
-    if (!face.smileScore)
-        return face.hasSmile;
+    if (!track.isFollowing())
+        return false;
+    if (m_trackId != track.id()) {
+        forget();
+        m_trackId = track.id();
+    }
+    const VextilFaceFeature &face = track.current().feature;
+    if (collectingNeutral) {
+        m_held.clear();
+        m_riseStart.reset();
+        m_grown = false;
+    }
+    if (!face.smileScore) {
+        if (collectingNeutral)
+            return face.hasSmile;
+        if (!face.hasSmile) {
+            m_riseStart.reset();  // at rest: the next smile must grow again
+            m_grown = false;
+            return false;
+        }
+        return hasGrown(track, [](const VextilTrackedFace &frame) { return !frame.feature.hasSmile; });
+    }
     const float score = *face.smileScore;
-    keepLast(m_recent, score, kRecentFrames);
     if (!collectingNeutral)
-        return isPromptedSmile(face, score);
-    m_held.clear();
-    const bool smiling = isClearSmile(score);
+        return isPromptedSmile(track, score);
+    const bool smiling = isClearSmile(score, track);
     if (!smiling)
         keepLast(m_rest, score, kMaxFrames);
     return smiling;
@@ -32,33 +52,77 @@ bool VextilSmileJudge::isSmiling(const VextilFaceFeature &face, bool collectingN
 void VextilSmileJudge::forget()
 {
     m_rest.clear();
-    m_recent.clear();
     m_held.clear();
+    m_riseStart.reset();
+    m_grown = false;
 }
 
-bool VextilSmileJudge::isClearSmile(float score) const
+bool VextilSmileJudge::isClearSmile(float score, const VextilFaceTrack &track) const
 {
-    return score >= kSuddenSmile || median(m_recent) >= kClearSmile
+    std::deque<float> recent;
+    const auto &history = track.history();
+    for (auto frame = history.rbegin(); frame != history.rend() && recent.size() < size_t(kRecentFrames); ++frame)
+        if (frame->feature.smileScore)
+            recent.push_front(*frame->feature.smileScore);
+    return score >= kSuddenSmile || median(recent) >= kClearSmile
            || (!m_rest.empty() && score >= median(m_rest) + kRiseOverRest);
 }
 
-bool VextilSmileJudge::isPromptedSmile(const VextilFaceFeature &face, float score)
+bool VextilSmileJudge::isPromptedSmile(const VextilFaceTrack &track, float score)
 {
     if (m_rest.empty())
         return false;  // nothing to rise above: the neutral frames were lost with the face
     const float rest = median(m_rest);
-    const bool rises = score - rest >= (face.hasSmile ? kPromptedRise : kStrongRise);
+    const bool rises = score - rest >= (track.current().feature.hasSmile ? kPromptedRise : kStrongRise);
+    const AtRest atRest = [rest](const VextilTrackedFace &frame) {
+        return frame.feature.smileScore && *frame.feature.smileScore <= rest + kRestBand;
+    };
+    if (atRest(track.current())) {
+        m_riseStart.reset();  // back at rest: the next smile must grow again
+        m_grown = false;
+    }
+    if (!rises || !hasGrown(track, atRest))
+        return false;
     if (m_held.empty()) {
-        if (rises)
-            m_held.push_back(score);
-        return rises;
+        m_held.push_back(score);
+        return true;
     }
     keepLast(m_held, score, kMaxFrames);
-    return rises && median(m_held) - rest >= kHeldRise;
+    return median(m_held) - rest >= kHeldRise;
+}
+
+bool VextilSmileJudge::hasGrown(const VextilFaceTrack &track, const AtRest &atRest)
+{
+    if (m_grown)
+        return true;
+    const VextilTrackedFace &now = track.current();
+    if (!m_riseStart)
+        m_riseStart = now.seconds;
+    if (now.seconds - *m_riseStart > kGrowthSeconds)
+        return false;  // it came at once: this smile does not count
+    m_grown = growthSince(track, atRest).isGrown();
+    return m_grown;
+}
+
+VextilSmileJudge::Growth VextilSmileJudge::growthSince(const VextilFaceTrack &track, const AtRest &atRest)
+{
+    const auto &history = track.history();
+    if (history.empty())
+        return {};
+    const auto lastAtRest = std::find_if(history.rbegin(), history.rend(), atRest);
+    const auto atRestIndex = std::distance(lastAtRest, history.rend()) - 1;  // -1: none in the history
+    const size_t from = size_t(std::max<std::ptrdiff_t>(0, atRestIndex - 1));
+    Growth growth;
+    for (size_t i = from + 1; i < history.size(); ++i)
+        growth.largestStep = std::max(growth.largestStep, history[i].lookStep);
+    growth.whole = history.back().appearance.distanceTo(history[from].appearance);
+    return growth;
 }
 
 float VextilSmileJudge::median(const std::deque<float> &scores)
 {
+    if (scores.empty())
+        return 0;
     std::vector<float> sorted(scores.begin(), scores.end());
     const auto middle = sorted.begin() + std::ptrdiff_t(sorted.size() / 2);
     std::nth_element(sorted.begin(), middle, sorted.end());

@@ -1,11 +1,17 @@
 #pragma once
 
-#include <VextilToolkit/VextilFaceFeature.h>
+#include <QtGlobal>
 
 #include <deque>
+#include <functional>
+#include <optional>
 
-/// Decides for the face capture model whether a near face smiles, given where the capture
-/// stands: the liveness half of the capture, a neutral face and then a smile that changes it.
+class VextilFaceTrack;
+struct VextilTrackedFace;
+
+/// Decides for the face capture model whether the followed face smiles, given where the
+/// capture stands: the liveness half of the capture, a neutral face and then a smile that
+/// changes it, on one face followed frame by frame (VextilFaceTrack).
 ///
 /// Before the smile is asked for, no clear smile is neutral, whatever came before: a graded face
 /// whose recent frames read kClearSmile or more (their median, so that a smirk or a talking
@@ -15,11 +21,15 @@
 ///
 /// Once the smile is asked for, a graded frame smiles when it rises above the resting face: by
 /// kPromptedRise when the detector also calls it smiling, by kStrongRise when it does not (a
-/// smile that reads low in absolute terms, under a beard for instance). From the first smiling
-/// frame on, the smile must also be held: the median of the frames since then must stay
-/// kHeldRise above the resting face. A still photo, smiling or not, never rises so for long,
-/// however its reading flickers. Without a resting face nothing smiles; without a grade, the
-/// detector's own verdict holds. Not thread-safe.
+/// smile that reads low in absolute terms, under a beard for instance). The smile must have
+/// grown, as a live one does: from the face at rest to the smile, the face's look changed over
+/// several frames, no single one of them bringing more than kLargestStep of the whole change;
+/// a photo put in another's place brings it all in one frame. From the first smiling frame on,
+/// the smile must also be held: the median of the frames since then must stay kHeldRise above
+/// the resting face. A still photo, smiling or not, never rises so for long, however its
+/// reading flickers. Without a resting face nothing smiles; without a grade, the detector's own
+/// verdict holds, growth included. Everything is forgotten when the track changes: the next
+/// face may be someone else's. Not thread-safe.
 class VextilSmileJudge {
 public:
     /// Log-odds from which the median of the recent frames is a clear smile.
@@ -34,23 +44,51 @@ public:
     static constexpr float kStrongRise = 3.0f;
     /// After the first smiling frame: the rise the smile's median must keep.
     static constexpr float kHeldRise = 1.5f;
+    /// A graded frame within this of the resting face is at rest.
+    static constexpr float kRestBand = 1.0f;
     /// How many recent frames the clear-smile median looks at (0.6 s of camera frames).
     static constexpr int kRecentFrames = 9;
     /// How many frames the resting face and the held smile keep at most (10 s).
     static constexpr int kMaxFrames = 150;
+    /// The largest share of a smile's whole change in look that one frame may bring: grown
+    /// smiles (0.3 to 0.5 s, 15 frames a second) bring at most about 0.7 once the smile shows,
+    /// photos swapped in 0.9 and more.
+    static constexpr double kLargestStep = 0.55;
+    /// The least change in the face's look (mean grey of its cells, 0 to 255) a smile makes;
+    /// the smiles of the labelled photos make 6 to 30.
+    static constexpr double kSmileChange = 5;
+    /// How long after a smile first shows its growth must be seen; after that, this smile
+    /// does not count until the face has been at rest again.
+    static constexpr double kGrowthSeconds = 0.6;
 
-    /// Whether `face` counts as smiling; `collectingNeutral` while the capture has not yet
-    /// asked for the smile. Frames judged neutral then join the resting face.
-    bool isSmiling(const VextilFaceFeature &face, bool collectingNeutral);
-    /// Forgets the resting face and the recent frames, when the face is lost or the capture
-    /// starts over.
-    void forget();
+    /// Whether a frame shows the face at rest.
+    using AtRest = std::function<bool(const VextilTrackedFace &)>;
+    /// How a face's look changed from the frame before its last frame at rest (a detector's
+    /// reading may be a frame old) to its newest frame: the whole change, and the largest one-frame
+    /// step on the way (mean grey of the look's cells, 0 to 255).
+    struct Growth {
+        double whole = 0;
+        double largestStep = 0;
+        /// Whether the change is a grown smile's: large enough, and no step most of it.
+        bool isGrown() const { return whole >= kSmileChange && largestStep <= kLargestStep * whole; }
+    };
+
+    /// Whether the newest face of `track` counts as smiling; `collectingNeutral` while the
+    /// capture has not yet asked for the smile. Frames judged neutral then join the resting face.
+    bool isSmiling(const VextilFaceTrack &track, bool collectingNeutral);
+    /// The growth of the face `track` follows since it was last at rest.
+    static Growth growthSince(const VextilFaceTrack &track, const AtRest &atRest);
 
 private:
-    bool isClearSmile(float score) const;
-    bool isPromptedSmile(const VextilFaceFeature &face, float score);
+    void forget();
+    bool isClearSmile(float score, const VextilFaceTrack &track) const;
+    bool isPromptedSmile(const VextilFaceTrack &track, float score);
+    bool hasGrown(const VextilFaceTrack &track, const AtRest &atRest);
     static float median(const std::deque<float> &scores);
-    std::deque<float> m_rest;    // the neutral frames of this capture
-    std::deque<float> m_recent;  // the last few frames, whatever they showed
-    std::deque<float> m_held;    // the frames since the first smiling one after the prompt
+
+    std::optional<quint64> m_trackId;   // the track whose face all this is about
+    std::deque<float> m_rest;           // the neutral frames of this capture
+    std::deque<float> m_held;           // the frames since the first smiling one after the prompt
+    std::optional<double> m_riseStart;  // when the current smile first showed
+    bool m_grown = false;               // the current smile was seen growing
 };

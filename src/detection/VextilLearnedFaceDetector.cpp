@@ -87,8 +87,11 @@ QList<VextilFaceFeature> VextilLearnedFaceDetector::fullPass(const QImage &image
 
 VextilFaceFeature VextilLearnedFaceDetector::feature(const Tracked &tracked, const QImage &image) const
 {
-    // The contract's bounds have their origin at the bottom left.
+    // The contract's bounds and points have their origin at the bottom left.
     const QRectF box = faceBounds(tracked.face);
+    QList<QPointF> points;
+    for (size_t k = 0; k < 4; ++k)
+        points.append({tracked.face.keyPoints[k].x(), image.height() - tracked.face.keyPoints[k].y()});
     return {QRectF(box.x(), image.height() - box.bottom(), box.width(), box.height()), tracked.smile > m_smileThreshold,
-            tracked.smile};
+            tracked.smile, points};
 }

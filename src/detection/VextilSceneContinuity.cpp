@@ -2,11 +2,11 @@
 
 #include <cstdlib>
 
-bool VextilSceneContinuity::continues(const QImage &image)
+double VextilSceneContinuity::change(const QImage &image)
 {
     if (image.isNull() || image.depth() != 32) {
         reset();
-        return false;
+        return kNoScene;
     }
     std::array<std::uint8_t, kGrid * kGrid> grey{};
     int difference = 0;
@@ -19,8 +19,8 @@ bool VextilSceneContinuity::continues(const QImage &image)
             difference += std::abs(int(grey[size_t(i)]) - int(m_grey[size_t(i)]));
         }
     }
-    const bool same = image.size() == m_size && difference <= kChange * kGrid * kGrid;
+    const bool comparable = image.size() == m_size;
     m_size = image.size();
     m_grey = grey;
-    return same;
+    return comparable ? double(difference) / (kGrid * kGrid) : kNoScene;
 }

@@ -2,12 +2,14 @@
 """Checks what the listener heard during one keyboard-only capture (see real-stack.sh):
 every instruction and "SMILE!" spoken through the focused status, each change once, the review's
 question told with its focused answer, and the focus never on a control the user cannot see.
+GUIDANCE, when given, is an instruction the user must have heard too (such as "Move closer").
 
-    check.py HEARD_TSV
+    check.py HEARD_TSV [GUIDANCE]
 """
 import sys
 
 STATUS = ["Looking for face"] + [f"Checking your face, photo {n} of 5" for n in range(1, 5)] + ["SMILE!"]
+GUIDANCE = ("Move closer", "Move back", "Center your face", "Find more light", "Hold still", "Relax your face")
 REVIEW = {"Yes, send", "No, take another photo.", "Back"}
 QUESTION = "Do you want to submit this video for review?"
 
@@ -28,8 +30,9 @@ def main():
     moved = next((t for t, name, _ in focus if t > started and name != "Looking for face"), float("inf"))
     spoken = [name for t, kind, role, name, _ in events
               if started <= t < moved and kind.endswith("accessible-name") and role == "label"
-              and name.split(",")[0] in ("Looking for face", "Checking your face", "SMILE!")]
-    for text in STATUS[1:]:
+              and name.split(",")[0] in ("Looking for face", "Checking your face", "SMILE!") + GUIDANCE]
+    expected = STATUS[1:] + ([sys.argv[2]] if len(sys.argv) > 2 and sys.argv[2] else [])
+    for text in expected:
         if text not in spoken:
             problems.append(f"never heard {text!r}")
     for first, second in zip(spoken, spoken[1:]):

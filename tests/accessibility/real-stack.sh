@@ -5,9 +5,10 @@
 # and keys sent with xdotool: Space and Tab only. The demo host runs with the facade's defaults
 # (tutorial on) against the reference upload server. Ends every process it started.
 #
-#   real-stack.sh BUILD_DIR OUT_DIR CLIP [widgets|qml]
-# The last argument picks the demo host: the Qt Widgets one (the default) or the QML one; both
-# must be heard the same.
+#   real-stack.sh BUILD_DIR OUT_DIR CLIP [widgets|qml] [GUIDANCE] [WINDOW_SIZE]
+# The fourth argument picks the demo host: the Qt Widgets one (the default) or the QML one; both
+# must be heard the same. GUIDANCE is an instruction the clip's user must hear (such as "Move
+# closer"), in a host window of WINDOW_SIZE (390x844 by default).
 # Exit 0 when every check holds, 77 (skipped) when a part of the stack is missing outside CI.
 set -uo pipefail
 build=$(cd "$1" && pwd)
@@ -18,6 +19,8 @@ case ${4:-widgets} in
   qml) app=vextil_qml_demo_host; binary=examples/qml-demo-host/vextil_qml_demo_host; title="VextilToolkit QML demo host" ;;
   *) echo "unknown host ${4}" >&2; exit 2 ;;
 esac
+guidance=${5:-}
+size=${6:-390x844}
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
 rm -rf "$out" && mkdir -p "$out"
@@ -80,7 +83,7 @@ pids+=("$server")
 
 QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1 \
   "$build/$binary" --key "$key" --upload-host "$host" --upload-ca "$authority" \
-  --camera-file "$clip" >"$out/demo.log" 2>&1 &
+  --camera-file "$clip" --size "$size" >"$out/demo.log" 2>&1 &
 demo=$!
 pids+=("$demo")
 
@@ -111,6 +114,7 @@ wait_for "$(focused 'OK, I got it')" "the tutorial's button focused"
 press Tab  # stays on the tutorial's only button
 press space
 wait_for "$(focused 'Looking for face')" 'the status focused when the tutorial closes'
+[ -z "$guidance" ] || wait_for "accessible-name\tlabel\t$guidance" "\"$guidance\"" 20
 wait_for 'accessible-name\tlabel\tSMILE!' '"SMILE!"' 40
 wait_for "$(focused 'Yes, send')" 'the review' 20
 for _ in 1 2 3; do press Tab; done  # round the review's three buttons, back to "Yes, send"
@@ -122,5 +126,5 @@ press space
 for _ in $(seq 200); do ls "$out"/uploads/*/ >/dev/null 2>&1 && break; sleep 0.1; done
 ls "$out"/uploads/*/ >/dev/null 2>&1 || fail "nothing was uploaded"
 
-/usr/bin/python3 "$here/check.py" "$log" || fail "what was heard is not what a user needs (above)"
+/usr/bin/python3 "$here/check.py" "$log" "$guidance" || fail "what was heard is not what a user needs (above)"
 exit 0

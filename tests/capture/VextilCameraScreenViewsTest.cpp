@@ -1,12 +1,16 @@
 #include <VextilToolkit/VextilFaceCameraViewController.h>
+#include <VextilToolkit/VextilVideoFileSource.h>
 
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBar.h"
 #include "capture/VextilFaceProgressBoxView.h"
 #include "capture/VextilVideoPreview.h"
+#include "GuidedClips.h"
 #include "ManualSource.h"
+#include "QtPrinters.h"
 #include "tutorial/VextilTutorialFace.h"
 
+#include <QAccessible>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -235,6 +239,38 @@ TEST(FaceProgressBox, LaysOutLabelAboveTheBarAndAnimatesToTheLastValue)
     box.isProgressBarHidden(false);
     settle();
     EXPECT_DOUBLE_EQ(progress->displayedStrokeEnd(), 0.6) << "showing it again keeps the fill";
+}
+
+}  // namespace
+
+namespace {
+
+// A desktop window and a laptop's webcam, the user at first too far for the camera view: the
+// screen says so, once, where the instructions are, and the capture goes on once they come closer.
+TEST(FaceCameraScreen, ADesktopUserTooFarIsToldToComeCloserOnceAndTheCaptureGoesOn)
+{
+    QWidget host;
+    host.resize(1280, 800);
+    host.show();
+    auto *camera = new VextilFaceCameraViewController;
+    camera->setPresentTutorial(false);
+    camera->setFrameSource(std::make_unique<VextilVideoFileSource>(guidedClipPath(QStringLiteral("guided_closer_desktop"))));
+    VextilBaseViewController::present(&host, camera, false);
+    VextilLabel *instructions = camera->faceProgressBoxView()->instructionsLabel();
+    // What a screen reader says: the focused status line's name, each time it changes.
+    QStringList said;
+    const auto hear = [&] {
+        const QString name = QAccessible::queryAccessibleInterface(instructions)->text(QAccessible::Name);
+        if (said.isEmpty() || said.last() != name)
+            said.append(name);
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { hear(); return instructions->fullText() == "Move closer"; }, 15000))
+        << instructions->fullText().toStdString();
+    EXPECT_TRUE(instructions->isVisible());
+    ASSERT_TRUE(QTest::qWaitFor([&] { hear(); return said.contains("Checking your face, photo 1 of 5"); }, 15000))
+        << "heard: " << said.join(" | ").toStdString();
+    EXPECT_EQ(said.count("Move closer"), 1) << "heard: " << said.join(" | ").toStdString();
+    delete camera;
 }
 
 }  // namespace

@@ -1,17 +1,20 @@
 #include <VextilToolkit/VextilFaceCameraModel.h>
 #include <VextilToolkit/VextilRepository.h>
 
+#include "QtPrinters.h"
 #include "RecordingDelegate.h"
 #include "ScriptedFaceDetector.h"
 
 #include <QCoreApplication>
+#include <QPainter>
 #include <QTranslator>
 
 #include <gtest/gtest.h>
 #include <opencv2/core.hpp>
 
+#include <algorithm>
+#include <optional>
 #include <stdexcept>
-
 #include <thread>
 
 namespace {
@@ -20,6 +23,17 @@ enum class Face { None, Neutral, Smiling, Far };
 
 // The image is 100 x 200 and so is the view, so a face's on-screen ratio is its width / 100.
 constexpr double kNearWidth = 60;
+// The scripted face, origin bottom left: centred sideways, a little below the middle.
+const QRectF kFaceBox(20, 60, kNearWidth, 60);
+
+// A grey frame with the scripted face's mouth drawn in, brighter as the face smiles (0 to 1).
+QImage faceImage(double smile)
+{
+    QImage image(100, 200, QImage::Format_RGB32);
+    image.fill(QColor(128, 128, 128));
+    QPainter(&image).fillRect(QRectF(30, 115, 40, 15), QColor::fromHsvF(0, 0, (128 + 127 * smile) / 255));
+    return image;
+}
 
 class FaceCameraModelTest : public ::testing::Test {
 protected:
@@ -40,21 +54,30 @@ protected:
         now = VextilTimePoint(std::chrono::duration_cast<VextilTimePoint::duration>(std::chrono::duration<double>(seconds)));
     }
 
+    // The face's picture for the next frame: the mouth moves a third of the way at most toward
+    // `smile` (1 smiling, 0 at rest), as a live smile grows and fades over a few frames.
+    QImage nextImage(double smile)
+    {
+        mouth = std::clamp(smile, mouth - 1.0 / 3, mouth + 1.0 / 3);
+        return faceImage(mouth);
+    }
+
     void feed(double seconds, Face face)
     {
         at(seconds);
         detector->next.clear();
         if (face != Face::None)
             detector->next.append({QRectF(20, 60, face == Face::Far ? 30 : kNearWidth, 60), face == Face::Smiling});
-        model.processFace(image);
+        model.processFace(nextImage(face == Face::Smiling ? 1 : 0));
     }
 
-    // A near face whose smile the detector grades, in log-odds; it calls it smiling above 0.
-    void feedGraded(double seconds, float score)
+    // A near face whose smile the detector grades, in log-odds; it calls it smiling above 0. The
+    // mouth grows toward `smile`, by default toward the detector's verdict.
+    void feedGraded(double seconds, float score, std::optional<double> smile = std::nullopt)
     {
         at(seconds);
-        detector->next = {{QRectF(20, 60, kNearWidth, 60), score > 0, score}};
-        model.processFace(image);
+        detector->next = {{kFaceBox, score > 0, score}};
+        model.processFace(nextImage(smile.value_or(score > 0 ? 1 : 0)));
     }
     qsizetype smileCount() const { return model.facesSmileArray()->size(); }
 
@@ -71,7 +94,8 @@ protected:
     VextilTimePoint now{};
     VextilFaceCameraModel model{detector, [this] { return now; }};
     RecordingDelegate delegate;
-    QImage image{100, 200, QImage::Format_RGB32};
+    QImage image = faceImage(0);
+    double mouth = 0;  // how far the scripted face's smile shows in its picture
 };
 
 TEST_F(FaceCameraModelTest, ResetRunsOnTheStateQueueWhereFramesAreAnalysed)
@@ -222,23 +246,38 @@ TEST_F(FaceCameraModelTest, OneFacelessFrameIsForgivenTheSecondDropsTheNeutralIm
     EXPECT_EQ(delegate.count("mask"), 0) << "returning to the current state toggles nothing";
 }
 
-TEST_F(FaceCameraModelTest, LosingTheFaceWhileAwaitingTheSmileKeepsTheSmilesTaken)
+TEST_F(FaceCameraModelTest, LosingTheFaceStartsOverWithTheSmilesAndACaptureHandedOverStaysWhole)
 {
     collectNeutral();
     feed(5, Face::None);  // forgiven: the last neutral image set the grace flag
     EXPECT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
-    feed(6, Face::Smiling);
-    feed(7, Face::Smiling);
-    settle();
-    ASSERT_EQ(delegate.count("finished"), 1);
+    feed(5.4, Face::Smiling);
+    feed(5.6, Face::Smiling);
+    ASSERT_EQ(smileCount(), 1);
     delegate.clear();
 
-    // Smiles never set the grace flag again, so the next face-less frame is not forgiven.
-    feed(8, Face::None);
+    // Smiles never set the grace flag again, so the next face-less frame is not forgiven, and
+    // the smile goes with the face: the next face may be someone else's.
+    feed(5.8, Face::None);
     EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
     EXPECT_EQ(neutralCount(), 0);
-    EXPECT_EQ(model.facesSmileArray()->size(), 2);
+    EXPECT_EQ(smileCount(), 0);
     EXPECT_EQ(delegate.count("mask"), 1) << "green back to white";
+
+    // A completed capture belongs to the store: a face lost before the screen closes takes
+    // nothing from it.
+    for (int i = 0; i < 5; ++i)
+        feed(10 + i, Face::Neutral);
+    feed(14.8, Face::Smiling);
+    feed(15, Face::Smiling);
+    feed(16, Face::Smiling);
+    settle();
+    ASSERT_EQ(delegate.count("finished"), 1);
+    feed(16.1, Face::None);
+    feed(16.2, Face::None);
+    auto *store = VextilRepository::sharedInstance();
+    EXPECT_EQ(store->getFaceImages()->size(), 5);
+    EXPECT_EQ(store->getFaceSmileImagess()->size(), 2);
 }
 
 TEST_F(FaceCameraModelTest, TwoSmilesInARowWhileCollectingDropOnlyTheNewestNeutralImage)
@@ -265,11 +304,11 @@ TEST_F(FaceCameraModelTest, ASmileWhileLookingIsNotCollectedAndAFarFaceChangesNo
     EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
     EXPECT_TRUE(model.lastFrameDate().has_value()) << "a smile while looking still sets the clock";
 
-    feed(0.1, Face::Far);
+    feed(1, Face::Far);
     EXPECT_EQ(neutralCount(), 0);
     EXPECT_EQ(delegate.calls(), QStringList{"message:Relax your face"}) << "the far face changed nothing";
 
-    feed(0.2, Face::Neutral);
+    feed(2, Face::Neutral);
     EXPECT_EQ(neutralCount(), 1) << "looking for a face collects without waiting a second";
 }
 
@@ -332,20 +371,25 @@ TEST_F(FaceCameraModelTest, AfterThePromptASmileMustRiseAboveThisCapturesNeutral
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
+        const double start = 100 * double(&c - cases);
         VextilRepository::sharedInstance()->resetFaceImages();
         model.resetState();
         settle();
         for (int i = 0; i < 5; ++i) {
-            feedGraded(100 * (&c - cases) + i, c.rest);
-            feedGraded(100 * (&c - cases) + i + 0.5, c.rest + (i % 2 ? 0.2f : -0.2f));
+            feedGraded(start + i, c.rest, 0);
+            feedGraded(start + i + 0.5, c.rest + (i % 2 ? 0.2f : -0.2f), 0);
         }
         ASSERT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
-        feedGraded(100 * (&c - cases) + 6, c.prompted);
+        // Every face's picture changes as a smile's does: only the readings tell them apart.
+        for (double t : {5.6, 5.8, 6.0})
+            feedGraded(start + t, c.prompted, 1);
         EXPECT_EQ(smileCount(), c.smiles ? 1 : 0);
+        for (double t : {6.2, 6.4})
+            feedGraded(start + t, c.rest, 0);  // and back to rest
     }
 }
 
-TEST_F(FaceCameraModelTest, AfterItsFirstFrameASmileMustBeHeldSoAFlickeringStillNeverCompletes)
+TEST_F(FaceCameraModelTest, AfterItsFirstFrameASmileMustBeHeldSoAFadingSmileNeverCompletes)
 {
     const auto collectAt = [&](double start, float rest) {
         VextilRepository::sharedInstance()->resetFaceImages();
@@ -355,19 +399,119 @@ TEST_F(FaceCameraModelTest, AfterItsFirstFrameASmileMustBeHeldSoAFlickeringStill
             feedGraded(start + i, rest);
         ASSERT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
     };
-    // A photo of a faint smile: its reading jumps once, then now and again, around its rest.
+    // A faint smile that grows once, then sags to just above the resting face.
     collectAt(0, -0.4f);
+    feedGraded(5.8, 1.2f);
     feedGraded(6, 1.2f);
-    EXPECT_EQ(smileCount(), 1) << "one frame that rises is taken";
+    EXPECT_EQ(smileCount(), 1) << "the smile, once grown, is taken";
     for (int i = 1; i <= 30; ++i)
-        feedGraded(6 + 0.1 * i, i % 7 ? -0.4f : 1.2f);
+        feedGraded(6 + 0.1 * i, 0.7f);
     EXPECT_EQ(smileCount(), 1) << "a smile that is not held is no smile";
 
-    // A real smile, held: the second image a second after the first.
+    // A photo of a faint smile: its reading flickers up now and again, its picture never changes.
     collectAt(100, -0.4f);
-    for (int i = 0; i <= 10; ++i)
-        feedGraded(106 + 0.1 * i, 2.0f);
+    for (int i = 0; i <= 30; ++i)
+        feedGraded(105 + 0.1 * i, i % 7 ? -0.4f : 1.2f, 0);
+    EXPECT_EQ(smileCount(), 0);
+
+    // A real smile, held: the second image a second after the first.
+    collectAt(200, -0.4f);
+    for (int i = 0; i <= 12; ++i)
+        feedGraded(205.8 + 0.1 * i, 2.0f);
     EXPECT_EQ(smileCount(), 2);
+}
+
+TEST_F(FaceCameraModelTest, AFaceThatJumpsStartsOverAndTheNextFaceLearnsNothingFromTheLastOne)
+{
+    // Face A rests low; it smiles, and jumps (another face, or a photo put in its place).
+    collectNeutral();
+    feed(5.4, Face::Smiling);
+    feed(5.6, Face::Smiling);
+    ASSERT_EQ(smileCount(), 1);
+    at(5.7);
+    detector->next = {{kFaceBox.translated(45, 0), true}};  // three quarters of a face width in a frame
+    model.processFace(nextImage(1));
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+    EXPECT_EQ(neutralCount(), 0);
+    EXPECT_EQ(smileCount(), 0) << "every image comes from one face";
+
+    // A face lost for two frames: the next one, a smirk at rest, is judged on its own.
+    model.resetState();
+    settle();
+    for (int i = 0; i < 3; ++i)
+        feedGraded(10 + i, -6.0f);
+    feed(12.1, Face::None);
+    feed(12.2, Face::None);
+    feedGraded(13, 0.5f, 0);
+    EXPECT_EQ(neutralCount(), 1) << "0.5 is a smile only against the last face's resting -6";
+}
+
+TEST_F(FaceCameraModelTest, ASmileThatAppearsInOneFrameDoesNotCountUntilTheFaceRestsAndSmilesAgain)
+{
+    for (int i = 0; i < 5; ++i)
+        feedGraded(i, -6.0f);
+    mouth = 1;  // a smiling photo in the neutral one's place, from one frame to the next
+    for (double t : {4.6, 4.8, 5.0, 5.5, 6.0, 7.0})
+        feedGraded(t, 3.0f);
+    EXPECT_EQ(smileCount(), 0);
+
+    for (double t : {7.2, 7.4, 7.6, 7.8, 8.0})
+        feedGraded(t, -6.0f);  // at rest again
+    for (double t : {8.2, 8.4})
+        feedGraded(t, 3.0f);  // a smile that grows
+    EXPECT_EQ(smileCount(), 1);
+}
+
+TEST_F(FaceCameraModelTest, AFaceThatIsNotReadyIsToldWhatToDoOnceItHasBeenSoForThreeFrames)
+{
+    // A face at a third of the view's width: too far, and taken once it comes nearer.
+    const auto far = [&](double t) {
+        at(t);
+        detector->next = {{QRectF(35, 60, 30, 30), false}};
+        model.processFace(nextImage(0));
+    };
+    far(0);
+    far(0.1);
+    EXPECT_TRUE(delegate.texts().isEmpty()) << "a face on a limit for a frame or two changes nothing";
+    far(0.2);
+    far(0.3);
+    EXPECT_EQ(delegate.texts(), QStringList{"Move closer"}) << "said once";
+    EXPECT_EQ(neutralCount(), 0);
+    feed(1, Face::Neutral);
+    EXPECT_EQ(neutralCount(), 1) << "a ready face is taken at once";
+    EXPECT_EQ(delegate.texts().last(), "Checking your face");
+
+    // While the smile is awaited, the prompt goes while the user is asked to move, and comes back.
+    for (int i = 2; i < 6; ++i)
+        feed(i, Face::Neutral);
+    ASSERT_EQ(model.currentState(), VextilFaceCaptureStateAwaitingSmile);
+    delegate.clear();
+    for (double t : {7.0, 7.5, 8.0})
+        far(t);
+    EXPECT_EQ(delegate.calls(), (QStringList{"message:Move closer", "popup:hidden"}));
+    delegate.clear();
+    feed(9, Face::Neutral);
+    feed(9.1, Face::Neutral);
+    EXPECT_TRUE(delegate.calls().isEmpty());
+    feed(9.2, Face::Neutral);
+    EXPECT_EQ(delegate.calls(), (QStringList{"message:Checking your face", "popup:shown"}));
+}
+
+TEST_F(FaceCameraModelTest, AFaceInFailingLightIsAskedForMoreLightByItsOwnPicture)
+{
+    feed(0, Face::Neutral);
+    delegate.clear();
+    // The light fades over a few frames (all at once would be another scene), and stays low.
+    double t = 0;
+    for (int grey : {110, 90, 70, 50, 35, 30, 30, 30, 30, 30, 30, 30}) {
+        QImage dim = faceImage(0);
+        dim.fill(QColor(grey, grey, grey));
+        at(t += 0.1);
+        detector->next = {{kFaceBox, false}};
+        model.processFace(dim);
+    }
+    EXPECT_EQ(delegate.texts(), QStringList{"Find more light"});
+    EXPECT_EQ(neutralCount(), 1) << "a face too dark to judge is not taken";
 }
 
 TEST_F(FaceCameraModelTest, TheModelAsksItsDetectorForStreamMode)

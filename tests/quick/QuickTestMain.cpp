@@ -46,6 +46,8 @@ public Q_SLOTS:
     {
         engine->rootContext()->setContextProperty(QStringLiteral("sampleClip"), QStringLiteral(VEXTIL_SELFIE_CLIP));
         engine->rootContext()->setContextProperty(QStringLiteral("landscapeClip"), QStringLiteral(VEXTIL_CLIP_LANDSCAPE));
+        engine->rootContext()->setContextProperty(QStringLiteral("guidedCloserClip"),
+                                                  QStringLiteral(VEXTIL_GUIDED_CLOSER_CLIP));
         engine->rootContext()->setContextProperty(QStringLiteral("cameraPermission"), &m_permission);
         m_permission.answer(QStringLiteral("authorized"));
     }

@@ -194,6 +194,30 @@ Item {
             compare(finished.signalArguments[0][0], true)
         }
 
+        // A desktop window and a laptop's webcam, the user at first too far for the camera view:
+        // the screen says so once, where the instructions are, and the capture goes on.
+        function test_aDesktopUserTooFarIsToldToComeCloserOnce() {
+            host.width = 1280
+            host.height = 800
+            capture.videoFile = guidedCloserClip
+            capture.requestFace()
+            const session = capture.cameraScreen.session
+            const said = []  // the status as a screen reader hears it, each change once
+            const hear = () => {
+                if (said.length === 0 || said[said.length - 1] !== session.status)
+                    said.push(session.status)
+            }
+            session.statusChanged.connect(hear)
+            tryVerify(() => session.instruction === "Move closer", 15000, "never told to come closer")
+            tryVerify(() => {
+                const line = findByName(capture.cameraScreen, "Move closer")  // the status line, named by what it says
+                return line && line.visible
+            }, 2000, "the instruction shows")
+            tryVerify(() => said.indexOf("Checking your face, photo 1 of 5") >= 0, 15000, "heard: " + said.join(" | "))
+            compare(said.filter(text => text === "Move closer").length, 1, "heard: " + said.join(" | "))
+            session.statusChanged.disconnect(hear)
+        }
+
         function test_hiddenCaptureRestsAndGoesOnWhenShownAgain() {
             capture.requestFace()
             const session = capture.cameraScreen.session

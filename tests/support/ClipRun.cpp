@@ -1,14 +1,31 @@
 #include "ClipRun.h"
 
+#include <VextilToolkit/VextilCameraFrame.h>
 #include <VextilToolkit/VextilFaceCameraModel.h>
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilVideoFileReader.h>
 
+#include "camera/VextilUprightFrame.h"
 #include "RecordingDelegate.h"
 
 #include <QCoreApplication>
 
-ClipRunResult runClip(const QString &path, std::shared_ptr<VextilFaceDetector> detector)
+namespace {
+
+// The longer side of the copy the camera screen analyses on a phone.
+constexpr int kAnalysedSide = 720;
+
+}  // namespace
+
+double ClipRunResult::firstShown(const QString &text, double from) const
+{
+    for (const auto &[seconds, shown] : instructions)
+        if (seconds >= from && shown == text)
+            return seconds;
+    return -1;
+}
+
+ClipRunResult runClip(const QString &path, std::shared_ptr<VextilFaceDetector> detector, QSizeF view)
 {
     ClipRunResult result;
     VextilVideoFileReader reader;
@@ -23,16 +40,25 @@ ClipRunResult runClip(const QString &path, std::shared_ptr<VextilFaceDetector> d
     VextilRepository::sharedInstance()->resetFaceImages();
     model.resetState();
     QCoreApplication::processEvents();
-    model.setViewSize(QSizeF(reader.frameSize()));
+    const bool wholeFrames = view.isEmpty();
+    model.setViewSize(wholeFrames ? QSizeF(reader.frameSize()) : view);
 
     auto previous = model.currentState();
-    qsizetype neutralHeld = 0;
+    qsizetype neutralHeld = 0, textsSeen = 0;
     while (auto frame = reader.readFrame()) {
         now = VextilTimePoint(std::chrono::duration_cast<VextilTimePoint::duration>(
             std::chrono::duration<double>(frame->seconds)));
-        model.processFace(frame->image);
+        const VextilCameraFrame cameraFrame(frame->image);
+        if (wholeFrames)
+            model.processFace(frame->image);
+        else
+            model.processFace(VextilUprightFrame::scaledImage(cameraFrame, view, kAnalysedSide),
+                              [&] { return VextilUprightFrame::image(cameraFrame, view); });
         QCoreApplication::processEvents();
         ++result.frames;
+        const QStringList texts = delegate.texts();
+        for (; textsSeen < texts.size(); ++textsSeen)
+            result.instructions.append({frame->seconds, texts[textsSeen]});
         const auto state = model.currentState();
         const qsizetype held = model.facesArray()->size();
         if (held > neutralHeld)

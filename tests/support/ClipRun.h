@@ -3,10 +3,17 @@
 #include <VextilToolkit/VextilFaceDetector.h>
 
 #include <QList>
+#include <QSizeF>
 #include <QString>
 #include <QStringList>
 
 #include <memory>
+#include <utility>
+
+// The camera view of a phone held upright (390x844 points) and of a 1280x800 desktop window:
+// what the camera screen crops each frame to, and judges faces against.
+inline const QSizeF kPhoneView(390, 618);
+inline const QSizeF kDesktopView(520, 578);
 
 // What the face capture model did over a clip fed frame by frame in simulated time.
 struct ClipRunResult {
@@ -19,12 +26,17 @@ struct ClipRunResult {
     int storedNeutral = 0;             // images the store holds afterwards
     int storedSmiling = 0;
     QList<double> neutralTakenSeconds;  // clip time of every neutral image taken, dropped ones too
+    QList<std::pair<double, QString>> instructions;  // clip time of every instruction shown, and its text
+
+    // Clip time at which `text` was first shown at or after `from`, or -1.
+    double firstShown(const QString &text, double from = 0) const;
 };
 
 // Feeds the clip to a fresh model on the given detector, with the clock at each frame's
-// presentation time and the camera view the size of the frames. Needs a QCoreApplication;
-// stops at completion.
-ClipRunResult runClip(const QString &path, std::shared_ptr<VextilFaceDetector> detector);
+// presentation time. With a view size, each frame is cropped to a camera view of that size and
+// scaled as the camera screen does; without, the whole frame is the view. Needs a
+// QCoreApplication; stops at completion.
+ClipRunResult runClip(const QString &path, std::shared_ptr<VextilFaceDetector> detector, QSizeF view = {});
 
 // The paths of a comma-separated clip list, as the build passes them.
 inline QStringList clipList(const char *paths) { return QString::fromUtf8(paths).split(QLatin1Char(','), Qt::SkipEmptyParts); }

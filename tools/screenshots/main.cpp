@@ -21,6 +21,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QPainter>
 #include <QTest>
 
 #include <cstdio>
@@ -72,6 +73,40 @@ bool save(QWidget &widget, const QString &dir, const QString &name)
     const bool saved = widget.grab().save(path);
     std::printf("%s %s\n", saved ? "saved" : "FAILED", qPrintable(path));
     return saved;
+}
+
+// The camera picture as a user who must be told something films it: the frame moved, scaled,
+// darkened or blurred by movement, over a blur of itself where it no longer reaches.
+QImage guidedPicture(const QImage &frame, const QString &instruction)
+{
+    QImage picture = frame.scaled(frame.size() / 16, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                         .scaled(frame.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QPointF middle(frame.width() / 2.0, frame.height() / 2.0);
+    const auto drawScaled = [&](double scale, double sideways) {
+        painter.save();
+        painter.translate(middle + QPointF(sideways * frame.width(), 0));
+        painter.scale(scale, scale);
+        painter.drawImage(-middle, frame);
+        painter.restore();
+    };
+    if (instruction == QLatin1String("Move closer"))
+        drawScaled(0.55, 0);
+    else if (instruction == QLatin1String("Move back"))
+        drawScaled(1.5, 0);
+    else if (instruction == QLatin1String("Center your face"))
+        drawScaled(1, 0.3);
+    else if (instruction == QLatin1String("Hold still")) {
+        for (int step = 0; step < 5; ++step) {
+            painter.setOpacity(1.0 / (step + 1));
+            drawScaled(1, 0.012 * step);
+        }
+    } else {
+        drawScaled(1, 0);
+        painter.fillRect(picture.rect(), QColor(0, 0, 0, instruction == QLatin1String("Find more light") ? 190 : 0));
+    }
+    return picture;
 }
 
 QImage clipFrame(int index)
@@ -133,6 +168,15 @@ int main(int argc, char **argv)
         relax.box->updateInstructionsLabelWithText(VextilTexts::tr("Relax your face"));
         CameraScreen::settle();
         ok &= save(relax.screen, out, QStringLiteral("camera-relax") + suffix);
+
+        // A face the capture cannot use yet, and what the user is told to do about it.
+        for (const char *instruction : {"Move closer", "Move back", "Center your face", "Find more light", "Hold still"}) {
+            CameraScreen guided(size, guidedPicture(neutral, QLatin1String(instruction)));
+            guided.box->updateInstructionsLabelWithText(VextilTexts::tr(instruction));
+            CameraScreen::settle();
+            const QString name = QString::fromLatin1(instruction).toLower().replace(u' ', u'-');
+            ok &= save(guided.screen, out, QStringLiteral("camera-") + name + suffix);
+        }
 
         // No camera at all: nothing to preview, and the screen says so.
         CameraScreen missing(size, QImage());

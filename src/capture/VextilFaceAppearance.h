@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QImage>
+#include <QRectF>
+
+#include <array>
+
+/// How a face looks, coarsely: the mean grey of each cell of an 8x8 grid over its box, less
+/// the mean of the whole grid, so that the face's expression shows and the light's level does
+/// not. Following the box, it leaves the head's movement out too. A few hundred reads a frame.
+class VextilFaceAppearance {
+public:
+    static constexpr int kCells = 8;
+
+    VextilFaceAppearance() = default;
+    /// The look of `box` (image pixels, origin top left) in `image` (32 bits a pixel).
+    VextilFaceAppearance(const QImage &image, const QRectF &box);
+
+    /// Mean grey difference (0 to 255) between two looks, cell by cell.
+    double distanceTo(const VextilFaceAppearance &other) const;
+    /// The mean grey of the box (0 to 255), before the mean was taken out.
+    double brightness() const { return m_brightness; }
+
+private:
+    std::array<float, kCells * kCells> m_cells{};
+    double m_brightness = 0;
+};
