@@ -358,7 +358,7 @@ void trackFigures(const QStringList &paths, QSizeF view = {})
         VextilLearnedFaceDetector detector;
         detector.setStreamMode(true);
         VextilFaceTrack track;
-        double fastest = 0, resize = 0, scene = 0, speed = 0, onset = -1, share = 99;
+        double fastest = 0, resize = 0, scene = 0, speed = 0, onset = -1, share = 99, change = 0;
         std::vector<float> rest;
         int breaks = 0;
         while (auto frame = reader.readFrame()) {
@@ -392,12 +392,13 @@ void trackFigures(const QStringList &paths, QSizeF view = {})
                 });
                 if (growth.whole >= VextilSmileJudge::kSmileChange)
                     share = std::min(share, growth.largestStep / growth.whole);
+                change = std::max(change, growth.whole);
             }
         }
         std::printf("track    %-30s fastest %4.2f fw/s resize %4.2f scene %5.1f speed at rest %4.2f fw/s | smile at %5.2f s, "
-                    "largest step %4.2f of its change | %d breaks\n",
+                    "largest step %4.2f of its change (%4.1f grey) | %d breaks\n",
                     qPrintable(QFileInfo(clip).fileName()), fastest, resize, scene, speed, onset, share < 99 ? share : -1.0,
-                    breaks);
+                    change, breaks);
     }
 }
 

@@ -37,10 +37,27 @@ VextilFaceAppearance::VextilFaceAppearance(const QImage &image, const QRectF &bo
         cell -= float(m_brightness);
 }
 
-double VextilFaceAppearance::distanceTo(const VextilFaceAppearance &other) const
+VextilFaceAppearance VextilFaceAppearance::changeFrom(const VextilFaceAppearance &before) const
+{
+    VextilFaceAppearance change;
+    for (size_t i = 0; i < m_cells.size(); ++i)
+        change.m_cells[i] = m_cells[i] - before.m_cells[i];
+    change.m_brightness = m_brightness - before.m_brightness;
+    return change;
+}
+
+VextilFaceAppearance &VextilFaceAppearance::operator+=(const VextilFaceAppearance &change)
+{
+    for (size_t i = 0; i < m_cells.size(); ++i)
+        m_cells[i] += change.m_cells[i];
+    m_brightness += change.m_brightness;
+    return *this;
+}
+
+double VextilFaceAppearance::size() const
 {
     double sum = 0;
-    for (size_t i = 0; i < m_cells.size(); ++i)
-        sum += std::abs(m_cells[i] - other.m_cells[i]);
+    for (float cell : m_cells)
+        sum += std::abs(cell);
     return sum / m_cells.size();
 }

@@ -16,8 +16,13 @@ public:
     /// The look of `box` (image pixels, origin top left) in `image` (32 bits a pixel).
     VextilFaceAppearance(const QImage &image, const QRectF &box);
 
-    /// Mean grey difference (0 to 255) between two looks, cell by cell.
-    double distanceTo(const VextilFaceAppearance &other) const;
+    /// How this look differs from `before`, cell by cell: a change, which changes add up to.
+    VextilFaceAppearance changeFrom(const VextilFaceAppearance &before) const;
+    VextilFaceAppearance &operator+=(const VextilFaceAppearance &change);
+    /// The mean of the cells' absolute values (0 to 255): a change's size.
+    double size() const;
+    /// The size of the difference between two looks.
+    double distanceTo(const VextilFaceAppearance &other) const { return changeFrom(other).size(); }
     /// The mean grey of the box (0 to 255), before the mean was taken out.
     double brightness() const { return m_brightness; }
 

@@ -121,7 +121,7 @@ VextilTrackedFace VextilFaceTrack::measure(const QImage &image, const VextilFace
 VextilFaceTrack::Break VextilFaceTrack::breakBetween(const VextilTrackedFace &last, VextilTrackedFace &next,
                                                      const QImage &image) const
 {
-    next.lookStep = VextilFaceAppearance(image, last.lookBox).distanceTo(last.appearance);
+    next.lookChange = VextilFaceAppearance(image, last.lookBox).changeFrom(last.appearance);
     const double elapsed = std::max(0.0, next.seconds - last.seconds);
     const QPointF moved = anchorOf(next.feature) - anchorOf(last.feature);
     const double width = std::max(1.0, last.box.width());

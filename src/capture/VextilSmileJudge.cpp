@@ -38,7 +38,7 @@ bool VextilSmileJudge::isSmiling(const VextilFaceTrack &track, bool collectingNe
             m_grown = false;
             return false;
         }
-        return hasGrown(track, [](const VextilTrackedFace &frame) { return !frame.feature.hasSmile; });
+        return hasGrown(track, [](const VextilTrackedFace &frame) { return !frame.feature.hasSmile; }, true);
     }
     const float score = *face.smileScore;
     if (!collectingNeutral)
@@ -80,8 +80,9 @@ bool VextilSmileJudge::isPromptedSmile(const VextilFaceTrack &track, float score
     if (atRest(track.current())) {
         m_riseStart.reset();  // back at rest: the next smile must grow again
         m_grown = false;
+        return false;
     }
-    if (!rises || !hasGrown(track, atRest))
+    if (!hasGrown(track, atRest, rises) || !rises)
         return false;
     if (m_held.empty()) {
         m_held.push_back(score);
@@ -91,15 +92,15 @@ bool VextilSmileJudge::isPromptedSmile(const VextilFaceTrack &track, float score
     return median(m_held) - rest >= kHeldRise;
 }
 
-bool VextilSmileJudge::hasGrown(const VextilFaceTrack &track, const AtRest &atRest)
+bool VextilSmileJudge::hasGrown(const VextilFaceTrack &track, const AtRest &atRest, bool rises)
 {
-    if (m_grown)
-        return true;
-    const VextilTrackedFace &now = track.current();
-    if (!m_riseStart)
-        m_riseStart = now.seconds;
-    if (now.seconds - *m_riseStart > kGrowthSeconds)
-        return false;  // it came at once: this smile does not count
+    // Watched on every frame off rest, for the look changes before the reading rises far enough;
+    // timed from the first frame that does, for noise may lift a reading off rest long before.
+    const double now = track.current().seconds;
+    if (rises && !m_riseStart)
+        m_riseStart = now;
+    if (m_grown || (m_riseStart && now - *m_riseStart > kGrowthSeconds))
+        return m_grown;  // once seen, or too late: it came at once, and does not count
     m_grown = growthSince(track, atRest).isGrown();
     return m_grown;
 }
@@ -112,10 +113,14 @@ VextilSmileJudge::Growth VextilSmileJudge::growthSince(const VextilFaceTrack &tr
     const auto lastAtRest = std::find_if(history.rbegin(), history.rend(), atRest);
     const auto atRestIndex = std::distance(lastAtRest, history.rend()) - 1;  // -1: none in the history
     const size_t from = size_t(std::max<std::ptrdiff_t>(0, atRestIndex - 1));
+    // The steps add up to the whole change of the picture, the detector's box left out.
     Growth growth;
-    for (size_t i = from + 1; i < history.size(); ++i)
-        growth.largestStep = std::max(growth.largestStep, history[i].lookStep);
-    growth.whole = history.back().appearance.distanceTo(history[from].appearance);
+    VextilFaceAppearance whole;
+    for (size_t i = from + 1; i < history.size(); ++i) {
+        growth.largestStep = std::max(growth.largestStep, history[i].lookChange.size());
+        whole += history[i].lookChange;
+    }
+    growth.whole = whole.size();
     return growth;
 }
 

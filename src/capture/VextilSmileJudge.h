@@ -50,22 +50,23 @@ public:
     static constexpr int kRecentFrames = 9;
     /// How many frames the resting face and the held smile keep at most (10 s).
     static constexpr int kMaxFrames = 150;
-    /// The largest share of a smile's whole change in look that one frame may bring: grown
-    /// smiles (0.3 to 0.5 s, 15 frames a second) bring at most about 0.7 once the smile shows,
-    /// photos swapped in 0.9 and more.
-    static constexpr double kLargestStep = 0.55;
+    /// The largest share of a smile's whole change in look that one frame may bring: smiles
+    /// grown over 0.3 s at 15 frames a second bring at most 0.49 (64 pairings of the labelled
+    /// photos), photos swapped from one frame to the next at least 0.80.
+    static constexpr double kLargestStep = 0.62;
     /// The least change in the face's look (mean grey of its cells, 0 to 255) a smile makes;
-    /// the smiles of the labelled photos make 6 to 30.
+    /// the clips' smiles make 7.8 (dim light) to 19.
     static constexpr double kSmileChange = 5;
-    /// How long after a smile first shows its growth must be seen; after that, this smile
-    /// does not count until the face has been at rest again.
+    /// How long after the smile first rises far enough its growth must have been seen (it is
+    /// watched from the first frame off rest); after that, this smile does not count until the
+    /// face has been at rest again.
     static constexpr double kGrowthSeconds = 0.6;
 
     /// Whether a frame shows the face at rest.
     using AtRest = std::function<bool(const VextilTrackedFace &)>;
     /// How a face's look changed from the frame before its last frame at rest (a detector's
-    /// reading may be a frame old) to its newest frame: the whole change, and the largest one-frame
-    /// step on the way (mean grey of the look's cells, 0 to 255).
+    /// reading may be a frame old) to its newest frame: the whole change (its frames' changes
+    /// added up), and the largest one-frame step on the way (mean grey of the cells, 0 to 255).
     struct Growth {
         double whole = 0;
         double largestStep = 0;
@@ -83,7 +84,7 @@ private:
     void forget();
     bool isClearSmile(float score, const VextilFaceTrack &track) const;
     bool isPromptedSmile(const VextilFaceTrack &track, float score);
-    bool hasGrown(const VextilFaceTrack &track, const AtRest &atRest);
+    bool hasGrown(const VextilFaceTrack &track, const AtRest &atRest, bool rises);
     static float median(const std::deque<float> &scores);
 
     std::optional<quint64> m_trackId;   // the track whose face all this is about

@@ -21,9 +21,9 @@ struct VextilTrackedFace {
     /// smile moves the mouth, and with it the box, but not the eyes), else the box.
     QRectF lookBox;
     VextilFaceAppearance appearance;  ///< its coarse look there, and its brightness
-    /// How much its look changed since the track's previous frame, both looked at through the
+    /// How its look changed since the track's previous frame, both looked at through the
     /// previous frame's look box: what changed in the picture, not where the face was found.
-    double lookStep = 0;
+    VextilFaceAppearance lookChange;
     double shift = 0;        ///< movement since the track's previous frame, in face widths
     double resize = 0;       ///< size change since then, as the absolute log of the ratio
     double sceneChange = 0;  ///< mean grey change of the whole frame since the frame before

@@ -141,9 +141,9 @@ TEST_F(FaceTrackTest, ItMeasuresTheFaceAgainstTheViewAndItsLookStepsThroughTheSa
     QImage opened = scene(120, face);
     QPainter(&opened).fillRect(QRectF(150, 230, 100, 40), Qt::white);
     track.follow(opened, faceAt(face.center() + QPointF(5, 0)), kView, 1 + kFrame);
-    EXPECT_GT(track.current().lookStep, 5) << "the mouth's change";
+    EXPECT_GT(track.current().lookChange.size(), 5) << "the mouth's change";
     track.follow(opened, faceAt(face.center() + QPointF(10, 0)), kView, 1 + 2 * kFrame);
-    EXPECT_LT(track.current().lookStep, 1) << "a box that moves over an unchanged picture changes no look";
+    EXPECT_LT(track.current().lookChange.size(), 1) << "a box that moves over an unchanged picture changes no look";
 }
 
 TEST_F(FaceTrackTest, ItsSpeedIsTheMeanOverTheLastFewTenthsOfASecond)
