@@ -12,6 +12,7 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -103,8 +104,11 @@ public:
     /// Uploads the images the data type selects with their metadata. Fails at once with 420
     /// (no key) or 424 (images missing); with the "isTest" setting true, answers a fixed token
     /// synchronously and sends nothing. Otherwise the callback runs on the upload's network
-    /// thread: the answer on HTTP 200, else 422 (402, 502), 1500 (other statuses) or 423
-    /// (transfer failed, or the server refused by the certificate check).
+    /// thread: the answer on HTTP 200, else 422 (402, 502), 1500 (other statuses, redirects
+    /// included: they are not followed) or 423 (transfer failed, or the server refused by the
+    /// certificate check). The request goes out at most once: a connection that closes or times
+    /// out before a whole answer ends the send with 423, never with a silent re-send, and the
+    /// images stay here for the host's own retry.
     void sendDataWithDataType(VextilDataType dataType, SendCallback callBack);
 
     /// The JPEG files of an upload; nothing when a required image is missing.
@@ -148,6 +152,10 @@ public:
     /// none is refused (423) before any request byte is sent. An empty list means no pinning.
     /// False, and nothing changed, when a digest is not 32 bytes.
     bool setPinnedPublicKeys(QList<QByteArray> sha256Digests);
+    /// How long a send may go with no byte moving either way before it ends with 423; each send
+    /// reads it as it starts. Zero or less restores the default, 60 s.
+    void setTransferTimeout(std::chrono::milliseconds timeout);
+    std::chrono::milliseconds transferTimeout() const;
 
     /// The certificate text the upload refuses to talk to: the toolkit's "_vextilco.crt" resource
     /// without its marker lines; nothing when the resource cannot be read.

@@ -13,6 +13,8 @@
 #include <QSslConfiguration>
 #include <QThread>
 
+#include <climits>
+
 namespace {
 
 // The answer test mode gives without sending anything.
@@ -126,6 +128,16 @@ bool VextilRepository::setPinnedPublicKeys(QList<QByteArray> sha256Digests)
     return true;
 }
 
+void VextilRepository::setTransferTimeout(std::chrono::milliseconds timeout)
+{
+    VextilUploadEndpoint::setTimeoutMs(int(std::min<std::chrono::milliseconds::rep>(timeout.count(), INT_MAX)));
+}
+
+std::chrono::milliseconds VextilRepository::transferTimeout() const
+{
+    return std::chrono::milliseconds(VextilUploadEndpoint::timeoutSetting());
+}
+
 std::optional<QString> VextilRepository::getLocalCertificate()
 {
     QFile file(QStringLiteral(":/VextilToolkit/_vextilco.crt"));
@@ -169,7 +181,6 @@ void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallbac
         callBack(kTestAnswer, std::nullopt);
         return;
     }
-    request.setRawHeader("Content-Length", QByteArray::number(body.size()));
     const QSslConfiguration tls = VextilServerTrust::configuration(endpoint.extraAuthorities);
     request.setSslConfiguration(tls);
 

@@ -63,6 +63,8 @@ void VextilUploadEndpoint::setTimeoutMs(int milliseconds)
     writeLocked(hostSettings().mutex, hostSettings().timeoutMs, milliseconds > 0 ? milliseconds : kDefaultTimeoutMs);
 }
 
+int VextilUploadEndpoint::timeoutSetting() { return readLocked(hostSettings().mutex, hostSettings().timeoutMs); }
+
 void VextilUploadEndpoint::setAdjustment(Adjustment adjustment)
 {
     writeLocked(hostSettings().mutex, hostSettings().adjustment, std::move(adjustment));

@@ -29,6 +29,7 @@ struct VextilUploadEndpoint {
     static void setPinnedKeys(const QList<QByteArray> &digests);
     /// Idle time-out of a transfer; 0 or less restores the default of 60 s.
     static void setTimeoutMs(int milliseconds);
+    static int timeoutSetting();  ///< the idle time-out the host set, or the default
 
     /// Applied to every endpoint after the host's settings; empty to remove. Any thread.
     using Adjustment = std::function<void(VextilUploadEndpoint &)>;

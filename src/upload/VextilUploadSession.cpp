@@ -2,6 +2,7 @@
 
 #include "core/VextilMainQueue.h"
 #include "core/VextilThreadHandoff.h"
+#include "upload/VextilOnceOnlyBody.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
@@ -19,9 +20,20 @@ VextilUploadOutcome outcomeOf(QNetworkReply *reply)
     // others stand for HTTP statuses, which the caller maps itself.
     outcome.transportFailed = !status.isValid() || (error > QNetworkReply::NoError && error < 200);
     outcome.status = status.toInt();
-    outcome.body = reply->readAll();
+    outcome.body = reply->isOpen() ? reply->readAll() : QByteArray();  // an aborted reply is closed
     outcome.detail = reply->errorString();
     return outcome;
+}
+
+// A POST goes out once, to the host it names. Qt would re-send it when its connection closes
+// before an answer, though the server may have acted on it; so its body is read as it is sent
+// (known length, no buffer of Qt's own) and cannot be read again, which ends a re-send with an
+// error. A redirect would send it, or its key, elsewhere: it is an answer like any other.
+void sendOnceOnly(QNetworkRequest &request, qint64 bodySize)
+{
+    request.setHeader(QNetworkRequest::ContentLengthHeader, bodySize);
+    request.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
 }
 
 }  // namespace
@@ -50,6 +62,7 @@ VextilUploadSession::~VextilUploadSession()
 
 void VextilUploadSession::start(QNetworkRequest request, QByteArray body, VextilServerTrust trust, Handlers handlers)
 {
+    sendOnceOnly(request, body.size());
     // The transfer's own hold on the session, let go of once its completion has run, on
     // whatever thread that happens to be.
     auto self = shared_from_this();
@@ -59,7 +72,7 @@ void VextilUploadSession::start(QNetworkRequest request, QByteArray body, Vextil
     QMetaObject::invokeMethod(
         manager, VextilThreadHandoff([self, manager, request, body, trust = std::move(trust),
                                       handlers = std::move(handlers)]() mutable {
-            QNetworkReply *reply = manager->post(request, body);
+            QNetworkReply *reply = manager->post(request, new VextilOnceOnlyBody(body, manager));
             QObject::connect(reply, &QNetworkReply::uploadProgress, reply, handlers.progress);
             // Runs only once the system has validated the chain (an unvalidated chain fails the
             // handshake before this point), and before any request byte is written.

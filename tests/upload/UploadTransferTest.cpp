@@ -87,7 +87,7 @@ protected:
         store->setFaceSmileImages(smiling);
         store->setError(std::nullopt);
         QSettings().setValue("isTest", false);
-        VextilUploadEndpoint::setTimeoutMs(0);
+        store->setTransferTimeout(std::chrono::milliseconds(0));
         store->setPinnedPublicKeys({});
     }
 
@@ -195,6 +195,69 @@ TEST_F(UploadTransferTest, FailedTransfersAre423)
     }
     EXPECT_EQ(untrusted.logged("POST /file"), 0);
     qDeleteAll(held);
+}
+
+// Servers that read the whole upload and never answer it: a backend that dies after reading, a
+// load balancer whose idle timer runs out, a backend that hangs. The backend may have acted on the
+// first copy, so none gets a second one: 423 comes when the connection ends, or when the toolkit's
+// own time-out does, and the images stay for the host's retry.
+TEST_F(UploadTransferTest, AnUnansweredUploadIsSentOnceAndEndsWith423WhenItsConnectionDoes)
+{
+    using namespace std::chrono_literals;
+    EXPECT_EQ(store->transferTimeout(), 60s);
+    struct Case {
+        const char *what;
+        QString mode;                     // the server's --no-answer
+        std::chrono::milliseconds timeout;  // the toolkit's
+        qint64 earliestMs, latestMs;      // when the host hears of it
+    };
+    const Case cases[] = {
+        {"closed at once", QStringLiteral("close"), 60s, 0, 4000},
+        {"closed after 3 s", QStringLiteral("3"), 60s, 2900, 5800},
+        {"never answered", QStringLiteral("never"), 1500ms, 1400, 2900},
+        {"closed just before the time-out ends", QStringLiteral("2"), 2500ms, 1900, 3900},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.what);
+        ReferenceServer server({"--no-answer", c.mode});
+        ASSERT_TRUE(server.isRunning());
+        pointAt(server.host(), server.authorityFile());
+        store->setTransferTimeout(c.timeout);
+        QElapsedTimer clock;
+        clock.start();
+        Delivery delivery;
+        sendAndWait(delivery);
+        const qint64 heardMs = clock.elapsed();
+        EXPECT_EQ(delivery.code(), 423);
+        EXPECT_GE(heardMs, c.earliestMs);
+        EXPECT_LE(heardMs, c.latestMs);
+        QTest::qWait(300);  // where a late re-send would show
+        EXPECT_EQ(server.logged("POST /file"), 1);
+        ASSERT_TRUE(store->getFaceImages());
+        EXPECT_EQ(store->getFaceImages()->size(), 5) << "kept for the host's retry";
+    }
+    store->setTransferTimeout(0s);
+    EXPECT_EQ(store->transferTimeout(), 60s);
+}
+
+// A redirect would carry the images and the key to a place the host did not name.
+TEST_F(UploadTransferTest, ARedirectIsAnAnswerAndNothingIsSentWhereItPoints)
+{
+    ReferenceServer elsewhere;
+    for (const char *status : {"302", "307", "308"}) {
+        SCOPED_TRACE(status);
+        ReferenceServer redirecting({"--status", status, "--location", QStringLiteral("https://%1/file").arg(elsewhere.host())});
+        store->setUploadHost(redirecting.host());
+        ASSERT_TRUE(store->setExtraCertificateAuthorities(
+            {readFile(redirecting.authorityFile()), readFile(elsewhere.authorityFile())}));
+        Delivery delivery;
+        sendAndWait(delivery);
+        EXPECT_EQ(delivery.code(), 1500);
+        EXPECT_EQ(redirecting.logged("POST /file"), 1);
+    }
+    QTest::qWait(200);
+    EXPECT_EQ(elsewhere.logged("POST /file") + elsewhere.logged("GET /file"), 0);
+    store->setUploadHost({});
 }
 
 TEST_F(UploadTransferTest, TheDenyListedCertificateIsRefusedBeforeAnythingIsSent)
@@ -487,6 +550,7 @@ TEST_F(UploadTransferTest, SendsInARowOrFromInsideACallbackAreEachAnsweredOnceAn
     }
     QTest::qWait(100);
     EXPECT_EQ(server.uploadFolders().size(), 3 * kRounds);
+    EXPECT_EQ(server.logged("POST /file"), 3 * kRounds) << "each received once";
 
     // A retry from inside the callback, as a host does after a failure: the retried send and the
     // callback that started it both keep their own state.

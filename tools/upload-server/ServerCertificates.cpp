@@ -1,5 +1,7 @@
 #include "ServerCertificates.h"
 
+#include <QDir>
+
 #include <openssl/pem.h>
 #include <openssl/rand.h>
 #include <openssl/x509v3.h>
@@ -84,6 +86,30 @@ ServerCertificates ServerCertificates::load(const std::string &certificatePath, 
         std::fclose(file);
     }
     return result;
+}
+
+bool ServerCertificates::prepare(const std::string &certificatePath, const std::string &keyPath, const std::string &storage,
+                                 ServerCertificates &result, std::string &authorityPath, std::string &error)
+{
+    if (!QDir().mkpath(QString::fromStdString(storage))) {
+        error = "cannot create the storage folder " + storage;
+        return false;
+    }
+    if (certificatePath.empty()) {
+        result = generate();
+        authorityPath = QDir(QString::fromStdString(storage)).absoluteFilePath(QStringLiteral("ca.pem")).toStdString();
+        if (!result.writeAuthority(authorityPath)) {
+            error = "cannot write the certificate authority to " + authorityPath;
+            return false;
+        }
+    } else {
+        result = load(certificatePath, keyPath);
+    }
+    if (!result.isValid()) {
+        error = "cannot read the server certificate or its key";
+        return false;
+    }
+    return true;
 }
 
 bool ServerCertificates::writeAuthority(const std::string &path) const

@@ -25,6 +25,11 @@ public:
     // The certificate and key of these PEM files; empty members when either cannot be read.
     static ServerCertificates load(const std::string &certificatePath, const std::string &keyPath);
 
+    // The certificate and key of these PEM files; or, without a certificate file, new ones whose
+    // authority is written into `storage`, at `authorityPath`. False with a reason on any failure.
+    static bool prepare(const std::string &certificatePath, const std::string &keyPath, const std::string &storage,
+                        ServerCertificates &result, std::string &authorityPath, std::string &error);
+
     // Writes the authority's certificate as PEM; false when there is none or writing fails.
     bool writeAuthority(const std::string &path) const;
     bool isValid() const { return certificate && key; }

@@ -36,24 +36,9 @@ UploadServer::UploadServer(Options options) : m_options(std::move(options)) {}
 
 bool UploadServer::start(std::string &error)
 {
-    if (!QDir().mkpath(QString::fromStdString(m_options.storage))) {
-        error = "cannot create the storage folder " + m_options.storage;
+    if (!ServerCertificates::prepare(m_options.certificate, m_options.privateKey, m_options.storage, m_certificates,
+                                     m_authorityPath, error))
         return false;
-    }
-    if (m_options.certificate.empty()) {
-        m_certificates = ServerCertificates::generate();
-        m_authorityPath = QDir(QString::fromStdString(m_options.storage)).absoluteFilePath(QStringLiteral("ca.pem")).toStdString();
-        if (!m_certificates.writeAuthority(m_authorityPath)) {
-            error = "cannot write the certificate authority to " + m_authorityPath;
-            return false;
-        }
-    } else {
-        m_certificates = ServerCertificates::load(m_options.certificate, m_options.privateKey);
-    }
-    if (!m_certificates.isValid()) {
-        error = "cannot read the server certificate or its key";
-        return false;
-    }
     m_server = std::make_unique<httplib::SSLServer>(m_certificates.certificate.get(), m_certificates.key.get());
     m_server->set_payload_max_length(m_options.maxBody);
     // A slow or stalled client holds a worker thread only this long.
@@ -94,6 +79,8 @@ void UploadServer::handleStats(const httplib::Request &, httplib::Response &resp
 void UploadServer::handleUpload(const httplib::Request &request, httplib::Response &response)
 {
     ++m_requests;
+    if (m_options.fixedStatus != 0 && !m_options.location.empty())
+        response.set_header("Location", m_options.location);
     if (m_options.fixedStatus != 0 && !m_options.fixedBody.empty()) {
         response.status = m_options.fixedStatus;
         return response.set_content(m_options.fixedBody, "text/plain");

@@ -23,6 +23,7 @@ public:
         int readTimeoutSeconds = 10;         // a client that stalls longer is dropped
         int fixedStatus = 0;                 // when set, every upload is answered with it
         std::string fixedBody;               // body of those answers; a JSON error when empty
+        std::string location;                // Location header of those answers, when set
     };
 
     explicit UploadServer(Options options);

@@ -1,5 +1,6 @@
 // vextil_upload_server: the reference upload server. See --help.
 
+#include "UnansweringServer.h"
 #include "UploadServer.h"
 
 #include <QCommandLineParser>
@@ -13,6 +14,39 @@ namespace {
 UploadServer *running = nullptr;
 
 void stopOnSignal(int) { if (running) running->stop(); }
+
+void announce(const std::string &host, int port, const std::string &authority, const std::string &storage)
+{
+    std::printf("listening on https://%s:%d/file\n", host.c_str(), port);
+    if (!authority.empty())
+        std::printf("certificate authority: %s\n", authority.c_str());
+    std::printf("storage: %s\n", storage.c_str());
+    std::fflush(stdout);
+}
+
+// Serves requests that are read and never answered, until the process is ended.
+int leaveUnanswered(QCoreApplication &app, const UploadServer::Options &settings, const QString &mode)
+{
+    UnansweringServer::Options options{QString::fromStdString(settings.host), settings.port};
+    if (!UnansweringServer::parseMode(mode, options)) {
+        std::fprintf(stderr, "error: --no-answer takes close, never or a number of seconds\n");
+        return 2;
+    }
+    ServerCertificates certificates;
+    std::string authority, error;
+    if (!ServerCertificates::prepare(settings.certificate, settings.privateKey, settings.storage, certificates, authority,
+                                     error)) {
+        std::fprintf(stderr, "error: %s\n", error.c_str());
+        return 1;
+    }
+    UnansweringServer server(options, certificates);
+    if (!server.start(error)) {
+        std::fprintf(stderr, "error: %s\n", error.c_str());
+        return 1;
+    }
+    announce(settings.host, server.port(), authority, settings.storage);
+    return app.exec();
+}
 
 }  // namespace
 
@@ -38,6 +72,10 @@ int main(int argc, char **argv)
     add("read-timeout", "Seconds a client may leave the server waiting for the rest of a request.", "seconds", "10");
     add("status", "Answer every upload with this HTTP status (testing).", "code", "0");
     add("body", "Body of the --status answers, as plain text (testing).", "text", "");
+    add("location", "Location header of the --status answers, e.g. to redirect (testing).", "url", "");
+    add("no-answer",
+        "Read each request whole and never answer it (testing): close the connection at once (close), after this many "
+        "seconds (a number), or never (never).", "mode", "");
     options.process(app);
 
     UploadServer::Options settings;
@@ -51,10 +89,14 @@ int main(int argc, char **argv)
     settings.readTimeoutSeconds = options.value(QStringLiteral("read-timeout")).toInt();
     settings.fixedStatus = options.value(QStringLiteral("status")).toInt();
     settings.fixedBody = options.value(QStringLiteral("body")).toStdString();
+    settings.location = options.value(QStringLiteral("location")).toStdString();
     if (settings.key.empty()) {
         std::fprintf(stderr, "error: --key is required\n");
         return 2;
     }
+
+    if (options.isSet(QStringLiteral("no-answer")))
+        return leaveUnanswered(app, settings, options.value(QStringLiteral("no-answer")));
 
     UploadServer server(settings);
     std::string error;
@@ -62,11 +104,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "error: %s\n", error.c_str());
         return 1;
     }
-    std::printf("listening on https://%s:%d/file\n", settings.host.c_str(), server.port());
-    if (!server.authorityPath().empty())
-        std::printf("certificate authority: %s\n", server.authorityPath().c_str());
-    std::printf("storage: %s\n", settings.storage.c_str());
-    std::fflush(stdout);
+    announce(settings.host, server.port(), server.authorityPath(), settings.storage);
 
     running = &server;
     std::signal(SIGINT, stopOnSignal);
