@@ -74,12 +74,11 @@ void VextilCaptureSession::appear()
     if (m_model)
         m_model->resetState();
     // A moment later, and only if the screen is staying: when the flow closes, the review goes
-    // first and the camera screen appears again just before it goes itself.
+    // first and the camera screen appears again just before it goes itself. The camera opens
+    // once access is granted: some platforms cannot open it before.
     onGuiThread([this] {
-        if (!isStaying())
-            return;
-        startCamera();
-        checkAuthorization();
+        if (isStaying())
+            checkAuthorization();
     });
 }
 
@@ -213,10 +212,9 @@ std::optional<double> VextilCaptureSession::secondsToCompletion() const
 void VextilCaptureSession::checkAuthorization()
 {
     switch (VextilCameraAuthorization::authorizationStatus()) {
-    case VextilCameraAuthorization::Authorized: return;
+    case VextilCameraAuthorization::Authorized: startCamera(); return;
     case VextilCameraAuthorization::Restricted: finish(false); return;
     case VextilCameraAuthorization::NotDetermined: {
-        m_watchdog->rest();  // no frames until the user answers; watched again once granted
         QPointer<VextilCaptureSession> self(this);
         VextilCameraAuthorization::requestAccess([self](bool granted) {
             // The answer may come on any thread; the session's work belongs on the GUI thread.

@@ -45,7 +45,7 @@ public:
     /// given), the capture queue and the watchdog.
     void load();
     /// The screen is about to appear: the model starts over, and a moment later, if the screen
-    /// is staying, the camera starts and its permission is checked.
+    /// is staying, the camera's permission is checked and the camera started once it is granted.
     void appear();
     /// The screen was shown or hidden, by anyone: the camera stops while it is hidden and goes on
     /// where it was when it is shown again during the capture.
@@ -58,7 +58,8 @@ public:
 
     /// Starts (or restarts) frame delivery.
     void startCamera();
-    /// Checks camera permission, asking when nobody has been asked yet.
+    /// Checks camera permission, asking when nobody has been asked yet, and starts the camera
+    /// once access is granted.
     void checkAuthorization();
     /// The user dismissed the permission alert: the capture failed.
     void cancelPermission() { finish(false); }

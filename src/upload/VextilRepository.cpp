@@ -20,6 +20,16 @@ namespace {
 // The answer test mode gives without sending anything.
 const QVariantMap kTestAnswer{{QStringLiteral("token"), QStringLiteral("7301586240k58k602")}};
 
+// A failed transfer's code: no answer at all, or the answer's status.
+int failureCode(const VextilUploadOutcome &outcome)
+{
+    if (outcome.transportFailed)
+        return VextilErrorCodeTransferFailed;
+    // 402 and 502 share one code on purpose.
+    const bool refused = outcome.status == 402 || outcome.status == 502;
+    return refused ? VextilErrorCodeServiceRefused : VextilErrorCodeUnexpectedStatus;
+}
+
 }  // namespace
 
 VextilRepository *VextilRepository::sharedInstance()
@@ -199,20 +209,16 @@ void VextilRepository::sendDataWithDataType(VextilDataType dataType, SendCallbac
 
 void VextilRepository::finishTransfer(const VextilUploadOutcome &outcome, const SendCallback &callBack)
 {
-    if (outcome.transportFailed) {
-        setError(VextilError::createVextilSDKErrorWithCode(VextilErrorCodeTransferFailed));
-        callBack(std::nullopt, error());
-        return;
-    }
-    if (outcome.status == 200) {
+    if (!outcome.transportFailed && outcome.status == 200) {
         // An answer that is not a JSON object leaves no result, and no error either.
         const std::optional<QVariantMap> result = VextilUploadAnswer::decode(outcome.body);
         setResultData(result);
         callBack(result, std::nullopt);
         return;
     }
-    // 402 and 502 share one code on purpose.
-    const bool refused = outcome.status == 402 || outcome.status == 502;
-    setError(VextilError::createVextilSDKErrorWithCode(refused ? VextilErrorCodeServiceRefused : VextilErrorCodeUnexpectedStatus));
-    callBack(std::nullopt, error());
+    // The callback gets this transfer's own error: another send may store its own meanwhile.
+    const VextilError failure = VextilError::createVextilSDKErrorWithCode(failureCode(outcome));
+    setError(failure);
+    callBack(std::nullopt, failure);
 }
+

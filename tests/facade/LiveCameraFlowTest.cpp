@@ -9,6 +9,7 @@
 #include "ui/NavigationBarView.h"
 
 #include <QAbstractButton>
+#include <QElapsedTimer>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -106,6 +107,47 @@ TEST_F(LiveCameraFlow, AHiddenScreenStopsTheCameraTheReviewAnalysesNothingAndThe
     EXPECT_EQ(FakeCamera::state(), "closed");
 }
 
+// A phone's camera cannot be opened before the user allows it: it opens once they do, and at
+// once, with no fault shown on the way.
+TEST_F(LiveCameraFlow, ACameraFirstAllowedOpensAtTheGrantAndTheCaptureCompletes)
+{
+    FakeCamera{QStringLiteral(VEXTIL_SELFIE_CLIP), "YUY2", "720x1280", "until-granted"}.install();
+    auto status = std::make_shared<VextilCameraAuthorization::Status>(VextilCameraAuthorization::NotDetermined);
+    QElapsedTimer sinceGrant;
+    std::function<void(bool)> answer;
+    VextilCameraAuthorization::setHooks([status] { return *status; },
+                                        [&answer](std::function<void(bool)> a) { answer = std::move(a); }, {});
+    requestFace();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return bool(answer); }, 5000)) << "nobody asked the user";
+    QTest::qWait(500);  // the user reads the question
+    EXPECT_EQ(FakeCamera::opens(), 0) << "opened before access was granted";
+    *status = VextilCameraAuthorization::Authorized;
+    FakeCamera::grant();
+    sinceGrant.start();
+    answer(true);
+
+    QStringList shown;
+    const auto delivered = [&] { return camera()->captureStats().delivered; };
+    EXPECT_TRUE(QTest::qWaitFor([&] { shown.append(instructions()); return delivered() > 0; }, 5000));
+    EXPECT_LT(sinceGrant.elapsed(), 1000) << "the first frame came late";
+    ASSERT_TRUE(QTest::qWaitFor([&] { shown.append(instructions()); return face->confirmController() && face->confirmController()->isVisible(); }, 40000));
+    EXPECT_FALSE(shown.contains(QStringLiteral("The camera is not responding")));
+    EXPECT_EQ(FakeCamera::opens(), 1);
+}
+
+// A webcam that takes 6 s to wake is waited for: no fault shown, not reopened.
+TEST_F(LiveCameraFlow, ASlowCameraIsWaitedForAndTheCaptureCompletes)
+{
+    FakeCamera slow{QStringLiteral(VEXTIL_SELFIE_CLIP), "YUY2", "720x1280", {}};
+    slow.startDelayMs = 6000;
+    slow.install();
+    requestFace();
+    QStringList shown;
+    ASSERT_TRUE(QTest::qWaitFor([&] { shown.append(instructions()); return face->confirmController() && face->confirmController()->isVisible(); }, 40000));
+    EXPECT_FALSE(shown.contains(QStringLiteral("The camera is not responding")));
+    EXPECT_EQ(FakeCamera::opens(), 1);
+}
+
 struct Fault {
     const char *name, *fault, *message;
     bool noCamera = false, comesBack = false;
@@ -120,7 +162,7 @@ TEST_P(LiveCameraFault, IsNamedOnTheScreenAndTheFlowEndsOrGoesOn)
     const Fault &f = GetParam();
     FakeCamera{f.noCamera ? QString() : QStringLiteral(VEXTIL_SELFIE_CLIP), "YUY2", "720x1280", f.fault}.install();
     requestFace();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return instructions() == QLatin1String(f.message); }, 15000))
+    EXPECT_TRUE(QTest::qWaitFor([&] { return instructions() == QLatin1String(f.message); }, 20000))
         << "shows: " << qPrintable(instructions());
     if (f.comesBack) {
         EXPECT_TRUE(waitForReview()) << "the capture did not go on: " << qPrintable(instructions());

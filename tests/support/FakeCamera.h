@@ -15,6 +15,7 @@ struct FakeCamera {
     QByteArray sizes = "1280x720";
     QByteArray fault;                         // see FakeCameraSettings.h
     QByteArray names = "Vextil fake camera";  // one camera each, comma-separated
+    int startDelayMs = 0;                     // from opening to the first frame
 
     void install() const
     {
@@ -30,6 +31,23 @@ struct FakeCamera {
         qputenv("VEXTIL_FAKE_CAMERA_FAULT", fault);
         qputenv("VEXTIL_FAKE_CAMERA_NAMES", names);
         qputenv("VEXTIL_FAKE_CAMERA_STATE", stateFile().toUtf8());
+        qputenv("VEXTIL_FAKE_CAMERA_START_DELAY_MS", QByteArray::number(startDelayMs));
+        qputenv("VEXTIL_FAKE_CAMERA_GRANTED", "0");
+        QFile::remove(opensFile());
+        qputenv("VEXTIL_FAKE_CAMERA_OPENS", opensFile().toUtf8());
+    }
+    // The user allows the camera: a camera with the fault "until-granted" opens from now on.
+    static void grant() { qputenv("VEXTIL_FAKE_CAMERA_GRANTED", "1"); }
+    // How often a camera has been started since install(), whether it opened or not.
+    static int opens()
+    {
+        QFile file(opensFile());
+        return file.open(QIODevice::ReadOnly) ? int(file.readAll().count('\n')) : 0;
+    }
+    static QString opensFile()
+    {
+        static QTemporaryDir dir;
+        return dir.filePath(QStringLiteral("camera-opens"));
     }
     // "open" while a camera films, "closed" once it has been let go.
     static QByteArray state()

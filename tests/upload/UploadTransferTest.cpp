@@ -25,6 +25,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 namespace {
 
 // What a send delivered, gathered from whichever thread the callback ran on.
@@ -569,6 +572,32 @@ TEST_F(UploadTransferTest, SendsInARowOrFromInsideACallbackAreEachAnsweredOnceAn
     EXPECT_EQ(callbackState, 1);
     EXPECT_EQ(retried.code(), 0);
     QThread::currentThread()->setPriority(QThread::NormalPriority);
+}
+
+// Each send hears its own transfer's failure, whatever the store's error property holds by then:
+// here another thread keeps storing a different error, as other sends failing at the same
+// moment on their own threads would.
+TEST_F(UploadTransferTest, EachFailingSendHearsItsOwnErrorWhileOthersStoreTheirs)
+{
+    std::atomic<bool> storing{true};
+    std::thread otherSends([&] {
+        const VextilError theirs = VextilError::createVextilSDKErrorWithCode(VextilErrorCodeUnexpectedStatus);
+        while (storing)
+            store->setError(theirs);
+    });
+    store->setUploadHost(QStringLiteral("127.0.0.1:1"));  // refused: 423
+    constexpr int kSends = 40;
+    int heardOthers = 0;
+    for (int send = 0; send < kSends; ++send) {
+        Delivery delivery;
+        store->sendDataWithDataType(VextilDataTypeFace, delivery.callback());
+        ASSERT_TRUE(QTest::qWaitFor([&] { return delivery.callCount() > 0; }, 20000));
+        heardOthers += delivery.code() != VextilErrorCodeTransferFailed;
+    }
+    storing = false;
+    otherSends.join();
+    EXPECT_EQ(heardOthers, 0) << "of " << kSends << " sends";
+    store->setUploadHost({});
 }
 
 TEST_F(UploadTransferTest, OversizedBodiesAreRefusedWithTheServersStatus)

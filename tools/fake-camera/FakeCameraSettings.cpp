@@ -1,5 +1,6 @@
 #include "FakeCameraSettings.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
@@ -28,7 +29,9 @@ void readFault(const std::string &text, FakeCameraSettings &s)
     if (parts.empty())
         return;
     const std::string &kind = parts[0];
-    s.fault = kind == "open"           ? FakeCameraSettings::Fault::Open
+    s.fault = kind == "open"             ? FakeCameraSettings::Fault::Open
+              : kind == "until-granted" ? (variable("VEXTIL_FAKE_CAMERA_GRANTED") == "1" ? FakeCameraSettings::Fault::None
+                                                                                           : FakeCameraSettings::Fault::UntilGranted)
               : kind == "error-after"  ? FakeCameraSettings::Fault::Error
               : kind == "freeze-after" ? FakeCameraSettings::Fault::Freeze
               : kind == "vanish-after" ? FakeCameraSettings::Fault::Vanish
@@ -61,6 +64,8 @@ FakeCameraSettings FakeCameraSettings::fromEnvironment()
     if (const int fps = std::atoi(variable("VEXTIL_FAKE_CAMERA_FPS").c_str()); fps > 0)
         s.fps = fps;
     readFault(variable("VEXTIL_FAKE_CAMERA_FAULT"), s);
+    s.startDelayMs = std::max(0, std::atoi(variable("VEXTIL_FAKE_CAMERA_START_DELAY_MS").c_str()));
+    s.opensFile = variable("VEXTIL_FAKE_CAMERA_OPENS");
     return s;
 }
 

@@ -6,7 +6,12 @@
 //   VEXTIL_FAKE_CAMERA_FORMATS  GStreamer format names, or JPEG, comma-separated (default YUY2)
 //   VEXTIL_FAKE_CAMERA_SIZES    WIDTHxHEIGHT, comma-separated (default 1280x720)
 //   VEXTIL_FAKE_CAMERA_FPS      frames a second (default 15)
-//   VEXTIL_FAKE_CAMERA_FAULT    open | error-after:MS | freeze-after:MS | vanish-after:MS[:back-after:MS]
+//   VEXTIL_FAKE_CAMERA_FAULT    open | until-granted | error-after:MS | freeze-after:MS |
+//                               vanish-after:MS[:back-after:MS]; until-granted: fails to open
+//                               until VEXTIL_FAKE_CAMERA_GRANTED is 1, as a phone's camera
+//                               before the user allows it
+//   VEXTIL_FAKE_CAMERA_START_DELAY_MS  how long after opening the first frame comes (default 0)
+//   VEXTIL_FAKE_CAMERA_OPENS    a file that gains a line each time a source is started
 //   VEXTIL_FAKE_CAMERA_NAMES    the devices' display names, comma-separated: one device each
 //                               (default one, "Vextil fake camera"); all film the same
 //   VEXTIL_FAKE_CAMERA_STATE    a file that says "open" while a source films and "closed" after
@@ -20,6 +25,7 @@ struct FakeCameraSettings {
     enum class Fault {
         None,
         Open,
+        UntilGranted,
         Error,
         Freeze,
         Vanish
@@ -34,6 +40,8 @@ struct FakeCameraSettings {
     Fault fault = Fault::None;
     int faultAfterMs = 0;
     int backAfterMs = -1;  // a vanished camera comes back this long after it went; -1: never
+    int startDelayMs = 0;
+    std::string opensFile;
 
     static FakeCameraSettings fromEnvironment();
     // One structure per format and size, each with fixed width, height and frame rate.

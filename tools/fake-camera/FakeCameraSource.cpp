@@ -103,16 +103,30 @@ void tellState(const SourceState &s, const char *state)
     }
 }
 
+void countOpening(const FakeCameraSettings &settings)
+{
+    if (settings.opensFile.empty())
+        return;
+    if (FILE *file = std::fopen(settings.opensFile.c_str(), "a")) {
+        std::fputs("start\n", file);
+        std::fclose(file);
+    }
+}
+
 gboolean start(GstBaseSrc *source)
 {
     SourceState &s = stateOf(source);
     s.settings = FakeCameraSettings::fromEnvironment();
-    if (s.settings.fault == FakeCameraSettings::Fault::Open || isUnplugged() || !s.feed.open(s.settings.source)) {
+    countOpening(s.settings);
+    using Fault = FakeCameraSettings::Fault;
+    const bool refuses = s.settings.fault == Fault::Open || s.settings.fault == Fault::UntilGranted;
+    if (refuses || isUnplugged() || !s.feed.open(s.settings.source)) {
         GST_ELEMENT_ERROR(source, RESOURCE, OPEN_READ, ("Could not open the camera."),
                           ("%s", s.settings.source.c_str()));
         return FALSE;
     }
-    s.started = s.nextFrame = Clock::now();
+    s.started = Clock::now();
+    s.nextFrame = s.started + std::chrono::milliseconds(s.settings.startDelayMs);
     tellState(s, "open");
     return TRUE;
 }
