@@ -8,6 +8,8 @@
 #include "capture/VextilCameraWatchdog.h"
 #include "core/VextilMainQueue.h"
 
+#include <QGuiApplication>
+
 #include <algorithm>
 #include <chrono>
 
@@ -67,10 +69,21 @@ void VextilCaptureSession::load()
     });
     // The state machine runs on the capture queue, resets included.
     m_model->setStateQueue([queue](std::function<void()> work) { queue->dispatch(std::move(work)); });
+    if (auto *app = qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+        connect(app, &QGuiApplication::applicationStateChanged, this, &VextilCaptureSession::applicationStateChanged,
+                Qt::UniqueConnection);
+}
+
+void VextilCaptureSession::applicationStateChanged(Qt::ApplicationState state)
+{
+    // Back from the system's settings, perhaps with access granted: look again.
+    if (state == Qt::ApplicationActive && m_denied && m_shown && isStaying())
+        checkAuthorization();
 }
 
 void VextilCaptureSession::appear()
 {
+    m_denied = false;
     if (m_model)
         m_model->resetState();
     // A moment later, and only if the screen is staying: when the flow closes, the review goes
@@ -212,7 +225,11 @@ std::optional<double> VextilCaptureSession::secondsToCompletion() const
 void VextilCaptureSession::checkAuthorization()
 {
     switch (VextilCameraAuthorization::authorizationStatus()) {
-    case VextilCameraAuthorization::Authorized: startCamera(); return;
+    case VextilCameraAuthorization::Authorized:
+        if (std::exchange(m_denied, false))
+            Q_EMIT permissionGranted();
+        startCamera();
+        return;
     case VextilCameraAuthorization::Restricted: finish(false); return;
     case VextilCameraAuthorization::NotDetermined: {
         QPointer<VextilCaptureSession> self(this);
@@ -234,6 +251,7 @@ void VextilCaptureSession::checkAuthorization()
 void VextilCaptureSession::denied()
 {
     m_watchdog->rest();  // the alert explains; no camera fault on top of it
+    m_denied = true;
     Q_EMIT permissionDenied();
 }
 

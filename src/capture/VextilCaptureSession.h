@@ -91,10 +91,14 @@ Q_SIGNALS:
     void frameReady(const QImage &frame);
     /// Camera access was refused: the screen asks the user to allow it in the settings.
     void permissionDenied();
+    /// Access was granted after it had been refused (the user came back from the settings): the
+    /// screen closes its alert; the camera is starting.
+    void permissionGranted();
     void finished(bool success);
 
 private:
     void denied();
+    void applicationStateChanged(Qt::ApplicationState state);
     void captureOutput(const VextilCameraFrame &frame);
     void startSource();
     void stopSource();
@@ -110,6 +114,7 @@ private:
     QString m_modelText;  // the model's newest instruction, shown whenever the camera delivers
     bool m_shown = false;
     bool m_captureActive = false;  // between starting the camera and the end of the capture
+    bool m_denied = false;         // access was refused, and the screen says so
     bool m_faceFound = false;
     std::atomic<int> m_analysedSide{720};  // longer side of the copy judged and shown, in pixels
     std::atomic<bool> m_tutorialShown{false};

@@ -72,6 +72,11 @@ void VextilFaceCameraViewController::connectSession()
     connect(m_session, &VextilCaptureSession::frameReady, this,
             [this](const QImage &frame) { m_faceCameraView->videoPreviewLayer()->setFrame(frame); });
     connect(m_session, &VextilCaptureSession::permissionDenied, this, &VextilFaceCameraViewController::cameraDenied);
+    connect(m_session, &VextilCaptureSession::permissionGranted, this, [this] {
+        if (m_alert)
+            m_alert->close();
+        focusStatus();
+    });
     connect(m_session, &VextilCaptureSession::finished, this, [this](bool success) {
         if (auto *delegate = dynamic_cast<VextilFaceCameraControllerDelegate *>(m_delegate.data()))
             delegate->didFinishedCaptureWithSuccess(success);

@@ -23,6 +23,10 @@ FocusScope {
                && screen.Window.visibility !== Window.Hidden
         onFinished: (success) => screen.finished(success)
         onPermissionDenied: alert.open()
+        onPermissionGranted: {
+            alert.visible = false
+            box.status.forceActiveFocus()
+        }
     }
 
     Rectangle { anchors.fill: parent; color: "black" }

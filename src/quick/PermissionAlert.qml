@@ -40,7 +40,7 @@ FocusScope {
                 id: settingsButton
                 width: parent.width; height: 40
                 text: "Settings"; titleColor: "#007aff"; background: "#f2f2f7"
-                onPressed: alert.settings()
+                onPressed: { alert.visible = false; alert.settings() }
             }
             ActionButton {
                 width: parent.width; height: 40

@@ -51,6 +51,7 @@ void VextilQuickCaptureSession::connectSession()
             Q_EMIT statusChanged();
     });
     connect(m_session, &VextilCaptureSession::permissionDenied, this, &VextilQuickCaptureSession::permissionDenied);
+    connect(m_session, &VextilCaptureSession::permissionGranted, this, &VextilQuickCaptureSession::permissionGranted);
     connect(m_session, &VextilCaptureSession::finished, this, &VextilQuickCaptureSession::finished);
 }
 

@@ -77,6 +77,8 @@ Q_SIGNALS:
     void leavingChanged();
     void frameChanged();
     void permissionDenied();
+    /// Access was granted after it had been refused: the alert closes itself.
+    void permissionGranted();
     void finished(bool success);
 
 private:

@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QGuiApplication>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -290,6 +291,31 @@ TEST_F(FaceFlowTest, PermissionPathsEndIn421OrLeaveTheScreenForSettings)
     requestFace();
     ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 2; }, 5000)) << "restricted fails at once";
     EXPECT_EQ(lastError->code, 421);
+}
+
+// The user opens the settings from the alert, allows the camera there and comes back: the alert
+// goes by itself and the capture starts.
+TEST_F(FaceFlowTest, AccessGrantedInTheSettingsClosesTheAlertAndStartsTheCapture)
+{
+    auto status = std::make_shared<VextilCameraAuthorization::Status>(VextilCameraAuthorization::Denied);
+    VextilCameraAuthorization::setHooks([status] { return *status; }, {}, {});
+    requestFace();
+    const auto alert = [&] { return face->faceCameraViewController()->alert(); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController() && alert(); }, 5000));
+    alert()->buttons()[0]->click();  // Settings
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !alert(); }, 2000)) << "the alert stayed up over the settings";
+    const auto comeBack = [] { Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive); };
+    comeBack();  // still refused: asked again
+    ASSERT_TRUE(QTest::qWaitFor([&] { return alert() != nullptr; }, 2000)) << "no new look at the permission";
+    alert()->buttons()[0]->click();
+
+    *status = VextilCameraAuthorization::Authorized;
+    comeBack();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController()->captureStats().delivered > 0; }, 5000))
+        << "the camera did not start";
+    EXPECT_EQ(alert(), nullptr);
+    EXPECT_EQ(reports, 0);
+    VextilCameraAuthorization::setHooks({}, {}, {});
 }
 
 TEST_F(FaceFlowTest, NoFrameReachesTheModelWhileTheTutorialIsUp)

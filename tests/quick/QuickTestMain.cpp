@@ -6,6 +6,7 @@
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
 
+#include <QGuiApplication>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QtQuickTest>
@@ -26,6 +27,8 @@ public:
             Q_EMIT settingsOpenedChanged();
         });
     }
+    /// The user comes back to the application (from the system's settings, say).
+    Q_INVOKABLE void comeBack() { Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive); }
 Q_SIGNALS:
     void settingsOpenedChanged();
 

@@ -243,6 +243,8 @@ Item {
             compare(cameraPermission.settingsOpened, opened + 1)
             wait(200)
             compare(finished.count, 0, "Settings leaves the screen up")
+            cameraPermission.comeBack()  // still refused
+            tryVerify(() => alert.visible, 2000, "no new look at the permission")
             press("Cancel")
             finished.wait(3000)
             compare(finished.signalArguments[0][0], false)
@@ -254,6 +256,25 @@ Item {
             compare(finished.count, 2)
             compare(finished.signalArguments[1][1].code, 421)
             cameraPermission.answer("authorized")
+        }
+
+        function test_accessGrantedInTheSettingsClosesTheAlertAndTheCaptureStarts() {
+            cameraPermission.answer("denied")
+            capture.requestFace()
+            const alert = findByName(capture, "Error")
+            tryVerify(() => alert && alert.visible, 3000, "no permission alert")
+            press("Settings")
+            verify(!alert.visible, "the alert stayed up over the settings")
+            cameraPermission.comeBack()  // still refused: asked again
+            tryVerify(() => alert.visible, 2000, "no new look at the permission")
+            press("Settings")
+            cameraPermission.answer("authorized")
+            cameraPermission.comeBack()
+            const session = capture.cameraScreen.session
+            tryVerify(() => session.stats.delivered > 0, 5000, "the camera did not start")
+            verify(!alert.visible)
+            compare(finished.count, 0)
+            waitForReview()
         }
 
         function test_sendAnswersWithTheToolkitsError() {
