@@ -11,6 +11,7 @@ Item {
     property color helpColor: "white"
     property alias backButton: back
     property alias helpButton: help
+    property alias titleItem: titleText
     signal backPressed()
     signal helpPressed()
 
@@ -19,6 +20,13 @@ Item {
         text: bar.title
         color: bar.titleColor
         font.pixelSize: 16
+        // Its natural width, never more than the bar: a long title shrinks to 0.7 of its size
+        // before it is cut.
+        width: Math.min(implicitWidth, bar.width)
+        fontSizeMode: Text.HorizontalFit
+        minimumPixelSize: Math.round(font.pixelSize * 0.7)
+        elide: Text.ElideRight
+        horizontalAlignment: Text.AlignHCenter
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 10

@@ -6,6 +6,7 @@ import VextilToolkit
 FocusScope {
     id: screen
     property alias review: review
+    readonly property Item photoBorder: border
     signal answered(bool accepted)
 
     Accessible.role: Accessible.Pane
@@ -92,10 +93,9 @@ FocusScope {
             }
         }
     }
-    // The frame round the photo, drawn once at the first layout and never moved after.
+    // The frame round the photo; it follows the photo when the window changes shape.
     Rectangle {
         id: border
-        property bool placed: false
         color: "transparent"
         border.color: Theme.buttonBackground
         border.width: 2
@@ -103,12 +103,22 @@ FocusScope {
         Accessible.ignored: true
     }
     function placeBorder() {
-        if (border.placed || photo.width <= 0 || photo.height <= 0)
+        if (photo.width <= 0 || photo.height <= 0)
             return
         const at = photo.mapToItem(screen, 0, 0)
         border.x = at.x - 5; border.y = at.y - 5
         border.width = photo.width + 10; border.height = photo.height + 10
-        border.placed = true
+    }
+    // Once every binding of a new shape has settled.
+    function placeBorderLater() { Qt.callLater(placeBorder) }
+    onWidthChanged: placeBorderLater()
+    onHeightChanged: placeBorderLater()
+    Connections {
+        target: photo
+        function onXChanged() { screen.placeBorderLater() }
+        function onYChanged() { screen.placeBorderLater() }
+        function onWidthChanged() { screen.placeBorderLater() }
+        function onHeightChanged() { screen.placeBorderLater() }
     }
 
     property bool answering: false

@@ -4,6 +4,7 @@
 
 #include "core/VextilFlowLatch.h"
 #include "core/VextilMainQueue.h"
+#include "core/VextilPortraitLock.h"
 #include "upload/VextilFaceUpload.h"
 
 #include <QPointer>
@@ -20,12 +21,21 @@ QVariantMap errorMap(const VextilError &error)
 
 VextilQuickFlow::VextilQuickFlow(QObject *parent) : QObject(parent), m_latch(std::make_unique<VextilFlowLatch>()) {}
 
-VextilQuickFlow::~VextilQuickFlow() = default;
+VextilQuickFlow::~VextilQuickFlow()
+{
+    if (m_stage != Idle)
+        VextilPortraitLock::release();
+}
 
 void VextilQuickFlow::setStage(Stage stage)
 {
     if (stage == m_stage)
         return;
+    // A phone is held upright while any of the flow's screens shows.
+    if (m_stage == Idle)
+        VextilPortraitLock::acquire();
+    else if (stage == Idle)
+        VextilPortraitLock::release();
     m_stage = stage;
     Q_EMIT stageChanged();
 }

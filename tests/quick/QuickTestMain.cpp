@@ -6,6 +6,8 @@
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
 
+#include "core/VextilPortraitLock.h"
+
 #include <QGuiApplication>
 #include <QQmlContext>
 #include <QQmlEngine>
@@ -36,6 +38,13 @@ private:
     int m_settingsOpened = 0;
 };
 
+// Whether the toolkit holds the phone upright (portrait in QML); on a desktop only the count.
+class Portrait : public QObject {
+    Q_OBJECT
+public:
+    Q_INVOKABLE bool held() const { return VextilPortraitLock::isHeld(); }
+};
+
 class QuickTestSetup : public QObject {
     Q_OBJECT
 public Q_SLOTS:
@@ -52,11 +61,13 @@ public Q_SLOTS:
         engine->rootContext()->setContextProperty(QStringLiteral("guidedCloserClip"),
                                                   QStringLiteral(VEXTIL_GUIDED_CLOSER_CLIP));
         engine->rootContext()->setContextProperty(QStringLiteral("cameraPermission"), &m_permission);
+        engine->rootContext()->setContextProperty(QStringLiteral("portrait"), &m_portrait);
         m_permission.answer(QStringLiteral("authorized"));
     }
 
 private:
     CameraPermission m_permission;
+    Portrait m_portrait;
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(vextil_quick, QuickTestSetup)

@@ -26,6 +26,11 @@ Item {
         id: capture
         presentTutorial: false
     }
+    NavigationBar {
+        id: lonelyBar
+        y: 200; width: 390; height: 44
+        visible: capture.stage === FaceFlow.Idle
+    }
     SignalSpy { id: finished; target: capture; signalName: "finished" }
     SignalSpy { id: sendFailed; target: capture; signalName: "sendFailed" }
     SignalSpy { id: sent; target: capture; signalName: "sent" }
@@ -275,6 +280,62 @@ Item {
             verify(!alert.visible)
             compare(finished.count, 0)
             waitForReview()
+        }
+
+        function test_aPhoneIsHeldUprightWhileAnyScreenShows() {
+            verify(!portrait.held())
+            capture.presentTutorial = true
+            capture.requestFace()
+            verify(portrait.held(), "not held under the tutorial")
+            findButton(capture, "Back").pressed()
+            finished.wait(3000)
+            verify(!portrait.held(), "the host's orientation was not given back")
+            capture.presentTutorial = false
+            capture.requestFace()
+            verify(portrait.held())
+            waitForReview()
+            verify(portrait.held(), "not held under the review")
+            findButton(capture.reviewScreen, "Back").pressed()
+            tryCompare(capture, "stage", FaceFlow.Camera, 5000)
+            verify(portrait.held(), "let go of on the way back to the camera")
+            findButton(capture.cameraScreen, "Back").pressed()
+            tryCompare(capture, "stage", FaceFlow.Idle, 5000)
+            verify(!portrait.held())
+        }
+
+        function test_aLongBarTitleShrinksBeforeItIsCut() {
+            const title = lonelyBar.titleItem
+            lonelyBar.title = "Registrieren Sie Ihr Selfie"
+            lonelyBar.width = 390
+            const natural = title.implicitWidth
+            compare(title.fontInfo.pixelSize, 16)
+            verify(!title.truncated)
+            lonelyBar.width = Math.round(natural * 0.8)
+            tryVerify(() => title.fontInfo.pixelSize < 16 && title.fontInfo.pixelSize >= 11, 1000, "not shrunk")
+            verify(!title.truncated, "cut though it could shrink")
+            lonelyBar.width = Math.round(natural * 0.5)
+            tryCompare(title.fontInfo, "pixelSize", 11, 1000)
+            verify(title.truncated, "not cut at 0.7 of its size")
+            lonelyBar.width = 390
+        }
+
+        function test_theReviewsFrameFollowsThePhotoWhenTheWindowChangesShape() {
+            capture.requestFace()
+            waitForReview()
+            const screen = capture.reviewScreen
+            const photo = findByName(screen, "Captured photo")
+            const surrounds = () => {
+                const at = photo.mapToItem(screen, 0, 0)
+                const border = screen.photoBorder
+                return Math.abs(border.x - (at.x - 5)) < 1 && Math.abs(border.y - (at.y - 5)) < 1
+                    && Math.abs(border.width - (photo.width + 10)) < 1 && Math.abs(border.height - (photo.height + 10)) < 1
+            }
+            tryVerify(surrounds, 1000, "the frame is not round the photo")
+            for (const [width, height] of [[1280, 800], [844, 390], [390, 844]]) {
+                host.width = width
+                host.height = height
+                tryVerify(surrounds, 1000, "the frame stayed behind at " + width + "x" + height)
+            }
         }
 
         function test_sendAnswersWithTheToolkitsError() {
