@@ -5,11 +5,50 @@
 #include "upload/VextilOnceOnlyBody.h"
 
 #include <QCoreApplication>
+#include <QMutex>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSslConfiguration>
 
+#include <set>
+
 namespace {
+
+// Every upload thread not yet joined. They are all joined as the application object goes, before
+// the process's own clean-up: a thread still ending then would hold OpenSSL's per-thread state
+// past the library's clean-up at exit.
+QMutex threadsMutex;
+std::set<QThread *> liveThreads;
+constexpr unsigned long kExitWaitMs = 5000;
+
+void joinAtExit()
+{
+    QMutexLocker lock(&threadsMutex);
+    for (QThread *thread : liveThreads) {
+        thread->quit();  // a transfer still under way ends unanswered: nobody waits for it now
+        thread->wait(kExitWaitMs);
+    }
+}
+
+void adopt(QThread *thread)
+{
+    static const bool routine = [] {
+        qAddPostRoutine(joinAtExit);
+        return true;
+    }();
+    Q_UNUSED(routine);
+    QMutexLocker lock(&threadsMutex);
+    liveThreads.insert(thread);
+}
+
+// Joins the thread and deletes it.
+void release(QThread *thread)
+{
+    thread->wait();
+    QMutexLocker lock(&threadsMutex);
+    liveThreads.erase(thread);
+    delete thread;
+}
 
 VextilUploadOutcome outcomeOf(QNetworkReply *reply)
 {
@@ -41,23 +80,22 @@ void sendOnceOnly(QNetworkRequest &request, qint64 bodySize)
 VextilUploadSession::VextilUploadSession() : m_thread(std::make_unique<QThread>())
 {
     m_thread->setObjectName(QStringLiteral("com.VextilToolkit.upload"));
+    adopt(m_thread.get());
 }
 
 VextilUploadSession::~VextilUploadSession()
 {
     m_thread->quit();
-    if (QThread::currentThread() != m_thread.get()) {
-        m_thread->wait();
+    QThread *thread = m_thread.release();
+    if (QThread::currentThread() != thread) {
+        release(thread);
         return;
     }
     // A host that lets go of the session in its send callback ends it on its own thread, which
-    // cannot wait for itself: the GUI thread joins it once its event loop has run out.
-    QThread *thread = m_thread.release();
+    // cannot wait for itself: the GUI thread joins it once its event loop has run out, or the
+    // application object does as it goes.
     if (QCoreApplication::instance())
-        VextilMainQueue::dispatchAsync(qApp, [thread] {
-            thread->wait();
-            delete thread;
-        });
+        VextilMainQueue::dispatchAsync(qApp, [thread] { release(thread); });
 }
 
 void VextilUploadSession::start(QNetworkRequest request, QByteArray body, VextilServerTrust trust, Handlers handlers)
