@@ -21,8 +21,6 @@ public:
     VextilFaceAppearance &operator+=(const VextilFaceAppearance &change);
     /// The mean of the cells' absolute values (0 to 255): a change's size.
     double size() const;
-    /// The size of the difference between two looks.
-    double distanceTo(const VextilFaceAppearance &other) const { return changeFrom(other).size(); }
     /// The mean grey of the box (0 to 255), before the mean was taken out.
     double brightness() const { return m_brightness; }
 

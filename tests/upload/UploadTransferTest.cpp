@@ -185,7 +185,7 @@ TEST_F(UploadTransferTest, FailedTransfersAre423)
     });
     ReferenceServer untrusted;
 
-    VextilUploadEndpoint::setTimeoutMs(400);
+    store->setTransferTimeout(std::chrono::milliseconds(400));
     const QString local = QStringLiteral("127.0.0.1:%1");
     for (const auto &[what, host] : {std::pair{"refused", local.arg(closedPort)}, {"silent", local.arg(silent.serverPort())},
                                      {"hangs up", local.arg(hangsUp.serverPort())}, {"garbage", local.arg(garbage.serverPort())},
