@@ -14,9 +14,6 @@ FocusScope {
     // What the keyboard may reach now: the permission alert, the tips, or the screen itself.
     readonly property Item keyboardScope: alert.visible ? alert : (tutorial.item ? tutorial.item : screen)
 
-    Accessible.role: Accessible.Pane
-    Accessible.name: qsTranslate("VextilToolkit", "Register selfie")
-
     CaptureSession {
         id: session
         shown: screen.visible && !screen.covered && screen.Window.visibility !== Window.Minimized
@@ -35,6 +32,10 @@ FocusScope {
         id: region
         readonly property rect area: PortraitLayout.region(screen.width, screen.height)
         x: area.x; y: area.y; width: area.width; height: area.height
+        // The screen's landmark sits on a plain item: a focus scope claims the focus with its
+        // focused child, and a reader must hear one focused object at a time.
+        Accessible.role: Accessible.Pane
+        Accessible.name: qsTranslate("VextilToolkit", "Register selfie")
 
         NavigationBar {
             id: bar

@@ -9,9 +9,6 @@ FocusScope {
     readonly property Item photoBorder: border
     signal answered(bool accepted)
 
-    Accessible.role: Accessible.Pane
-    Accessible.name: review.title
-
     ReviewModel { id: review }
 
     Rectangle { anchors.fill: parent; color: "white" }
@@ -20,6 +17,10 @@ FocusScope {
         id: region
         readonly property rect area: PortraitLayout.region(screen.width, screen.height)
         x: area.x; y: area.y; width: area.width; height: area.height
+        // The screen's landmark sits on a plain item: a focus scope claims the focus with its
+        // focused child, and a reader must hear one focused object at a time.
+        Accessible.role: Accessible.Pane
+        Accessible.name: review.title
 
         NavigationBar {
             id: bar

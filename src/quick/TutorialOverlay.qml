@@ -17,8 +17,6 @@ FocusScope {
                                                                  (room.height - 2 * margin) / boxHeight)))
     property bool closing: false
 
-    Accessible.role: Accessible.Dialog
-    Accessible.name: qsTranslate("VextilToolkit", "Tips")
     opacity: 0
     // With less transparency asked for: black at 75%, box included, instead of a blur.
     readonly property real shownOpacity: Theme.reduceTransparency ? 0.75 : 1
@@ -58,6 +56,9 @@ FocusScope {
         anchors.centerIn: parent
         radius: 5
         color: Theme.popUpBackground
+        // The dialog's landmark: the box, not the focus scope, which would claim the focus too.
+        Accessible.role: Accessible.Dialog
+        Accessible.name: qsTranslate("VextilToolkit", "Tips")
 
         readonly property real side: width * 0.35
         readonly property real labelAspect: 18 / 49

@@ -2,7 +2,8 @@
 # A keyboard and screen-reader user through the whole capture, on a real accessibility stack:
 # an X server (Xvfb), a D-Bus session, the AT-SPI bus and registry, the demo host on the xcb
 # platform with Qt's AT-SPI bridge on, a listener (pyatspi) recording what a screen reader hears,
-# and keys sent with xdotool: Space and Tab only. The demo host runs with the facade's defaults
+# and keys sent with xdotool: Space and Tab only. On each screen the tree is asked which objects
+# claim the focus: exactly one may. The demo host runs with the facade's defaults
 # (tutorial on) against the reference upload server. Ends every process it started.
 #
 #   real-stack.sh BUILD_DIR OUT_DIR CLIP [widgets|qml] [GUIDANCE] [WINDOW_SIZE]
@@ -106,20 +107,30 @@ press() {
   xdotool key --window "$window" "$1"
   sleep 0.4
 }
+# Asks the tree, as a reader does on arrival, which objects claim the focus: exactly one may.
+one_focus() {
+  local claims
+  claims=$(/usr/bin/python3 "$here/focused-now.py" "$app") || fail "$1: not one focused object but: $claims"
+  echo "$1: focused $claims"
+}
 focused() { printf 'state-changed:focused\t[^\t]*\t%s\t' "$1"; }
 
 wait_for "$(focused 'Take selfie')" 'the host button focused'
 press space
 wait_for "$(focused 'OK, I got it')" "the tutorial's button focused"
 press Tab  # stays on the tutorial's only button
+one_focus "the tips"
 press space
 wait_for "$(focused 'Looking for face')" 'the status focused when the tutorial closes'
+one_focus "the camera screen"
 [ -z "$guidance" ] || wait_for "accessible-name\tlabel\t$guidance" "\"$guidance\"" 20
 wait_for 'accessible-name\tlabel\tSMILE!' '"SMILE!"' 40
 wait_for "$(focused 'Yes, send')" 'the review' 20
+one_focus "the review"
 for _ in 1 2 3; do press Tab; done  # round the review's three buttons, back to "Yes, send"
 press space
 wait_for "$(focused 'Take selfie')" "the focus back on the host's button"
+one_focus "the host"
 press Tab
 wait_for "$(focused 'Send')" "the host's Send button"
 press space
