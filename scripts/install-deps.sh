@@ -17,6 +17,7 @@ packages=(
   xvfb dbus-x11 at-spi2-core python3-pyatspi gir1.2-atspi-2.0 xdotool
   qt6-declarative-dev qt6-declarative-dev-tools qml6-module-qtqml qml6-module-qtquick qml6-module-qtquick-window
   qml6-module-qttest qml6-module-qtmultimedia qml6-module-qtqml-workerscript
+  fonts-dejavu-core
 )
 
 missing=()

@@ -61,7 +61,8 @@ public:
     SendCallback sendResult() const;
     void setSendResult(SendCallback callback);
 
-    /// Replaces the camera of the next camera screen built (a video file, for instance).
+    /// Replaces the camera of the next camera screen built (a video file, for instance); wins
+    /// over VextilToolkitSettings::setFrameSourceFactory, which serves both faces.
     void setFrameSourceFactory(std::function<std::unique_ptr<VextilFrameSource>()> factory);
 
     // The flow's steps, also callable; outside a flow they do nothing.

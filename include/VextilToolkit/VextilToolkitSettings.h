@@ -10,8 +10,11 @@
 #include <QStringList>
 #include <QTranslator>
 
+#include <functional>
 #include <memory>
 #include <optional>
+
+class VextilFrameSource;
 
 /// The host's configuration: its authentication key and the colour scheme of the review
 /// screen and the tutorial. A process-wide singleton; call it from the GUI thread.
@@ -47,6 +50,12 @@ public:
     void setCamera(const QString &camera);
     QString camera() const;
 
+    /// Makes the frame source of every capture opened afterwards, in either face: a host's own
+    /// camera pipeline, a harness. Empty (the default): the camera chosen with setCamera.
+    using FrameSourceFactory = std::function<std::unique_ptr<VextilFrameSource>()>;
+    void setFrameSourceFactory(FrameSourceFactory factory);
+    FrameSourceFactory frameSourceFactory() const;
+
     /// Draws the tutorial without a blur (black at 75% opacity) for users who ask for reduced
     /// transparency. Qt exposes no such system preference, so it is off until the host sets it.
     void setReduceTransparency(bool reduce);
@@ -72,4 +81,5 @@ private:
     bool m_reduceTransparency = false;
     bool m_mirrorsPreview = true;
     QString m_camera;
+    FrameSourceFactory m_frameSourceFactory;
 };

@@ -54,7 +54,11 @@ void VextilCaptureSession::load()
     setModel(new VextilFaceCameraModel(this));  // a fresh model for this screen
     m_model->setDelegate(this);
     m_modelText = m_model->getFirstMessageText();
-    if (!m_source)
+    if (!m_source) {
+        const auto factory = VextilToolkitSettings::sharedInstance()->frameSourceFactory();
+        m_source = factory ? factory() : nullptr;
+    }
+    if (!m_source)  // no host pipeline, or one that made nothing
         m_source = VextilFrameSource::createDefault(VextilToolkitSettings::sharedInstance()->camera());
     m_captureQueue =
         std::make_unique<VextilCaptureQueue>([this](const VextilCameraFrame &frame) { captureOutput(frame); });

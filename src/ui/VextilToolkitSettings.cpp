@@ -63,6 +63,14 @@ void VextilToolkitSettings::setMirrorsPreview(bool mirrors) { writeLocked(m_mute
 bool VextilToolkitSettings::mirrorsPreview() const { return readLocked(m_mutex, m_mirrorsPreview); }
 void VextilToolkitSettings::setCamera(const QString &camera) { writeLocked(m_mutex, m_camera, camera); }
 QString VextilToolkitSettings::camera() const { return readLocked(m_mutex, m_camera); }
+void VextilToolkitSettings::setFrameSourceFactory(FrameSourceFactory factory)
+{
+    writeLocked(m_mutex, m_frameSourceFactory, std::move(factory));
+}
+VextilToolkitSettings::FrameSourceFactory VextilToolkitSettings::frameSourceFactory() const
+{
+    return readLocked(m_mutex, m_frameSourceFactory);
+}
 
 QStringList VextilToolkitSettings::availableTranslations()
 {

@@ -10,6 +10,7 @@
 #include <QNetworkReply>
 #include <QSslConfiguration>
 
+#include <optional>
 #include <set>
 
 namespace {
@@ -101,33 +102,38 @@ VextilUploadSession::~VextilUploadSession()
 void VextilUploadSession::start(QNetworkRequest request, QByteArray body, VextilServerTrust trust, Handlers handlers)
 {
     sendOnceOnly(request, body.size());
-    // The transfer's own hold on the session, let go of once its completion has run, on
-    // whatever thread that happens to be.
-    auto self = shared_from_this();
     auto *manager = new QNetworkAccessManager;
     manager->moveToThread(m_thread.get());
+    auto outcome = std::make_shared<std::optional<VextilUploadOutcome>>();
+    // The transfer ends with its thread. The manager goes first, and with it the network's own
+    // thread below; only then does the host hear, so a host that quits on the answer outlives
+    // every thread of the transfer, and OpenSSL's per-thread state goes with each. A transfer cut
+    // short by the application's end takes its manager along the same way, unheard. The hold on
+    // the session is let go of here, on the session's own thread.
+    QObject::connect(
+        m_thread.get(), &QThread::finished, m_thread.get(),
+        [self = shared_from_this(), manager, outcome, completion = std::move(handlers.completion)] {
+            delete manager;
+            if (*outcome)
+                completion(**outcome);
+        },
+        static_cast<Qt::ConnectionType>(Qt::DirectConnection | Qt::SingleShotConnection));
     m_thread->start();
+    QThread *thread = m_thread.get();
     QMetaObject::invokeMethod(
-        manager, VextilThreadHandoff([self, manager, request, body, trust = std::move(trust),
-                                      handlers = std::move(handlers)]() mutable {
+        manager, VextilThreadHandoff([manager, thread, outcome, request, body, trust = std::move(trust),
+                                      progress = std::move(handlers.progress)]() mutable {
             QNetworkReply *reply = manager->post(request, new VextilOnceOnlyBody(body, manager));
-            QObject::connect(reply, &QNetworkReply::uploadProgress, reply, handlers.progress);
+            QObject::connect(reply, &QNetworkReply::uploadProgress, reply, progress);
             // Runs only once the system has validated the chain (an unvalidated chain fails the
             // handshake before this point), and before any request byte is written.
             QObject::connect(reply, &QNetworkReply::encrypted, reply, [reply, trust] {
                 if (!trust.accepts(reply->sslConfiguration().peerCertificateChain()))
                     reply->abort();
             });
-            QObject::connect(
-                reply, &QNetworkReply::finished, reply,
-                [self = std::move(self), manager, reply, completion = std::move(handlers.completion)]() mutable {
-                    const VextilUploadOutcome outcome = outcomeOf(reply);
-                    manager->deleteLater();  // with its reply, as the thread finishes
-                    self->m_thread->quit();
-                    // The session may end within these lines: nothing of it is used after.
-                    const auto keep = std::move(self);
-                    const auto done = std::move(completion);
-                    done(outcome);
-                });
+            QObject::connect(reply, &QNetworkReply::finished, reply, [reply, thread, outcome] {
+                *outcome = outcomeOf(reply);
+                thread->quit();
+            });
         }));
 }

@@ -27,7 +27,9 @@ class VextilUploadSession : public std::enable_shared_from_this<VextilUploadSess
 public:
     struct Handlers {
         std::function<void(qint64 sent, qint64 total)> progress;      ///< network thread
-        std::function<void(const VextilUploadOutcome &)> completion;  ///< network thread, exactly once
+        /// network thread, once the transfer's threads have ended; exactly once, unless the
+        /// application ends first
+        std::function<void(const VextilUploadOutcome &)> completion;
     };
 
     VextilUploadSession();
@@ -36,7 +38,7 @@ public:
     VextilUploadSession(const VextilUploadSession &) = delete;
     VextilUploadSession &operator=(const VextilUploadSession &) = delete;
 
-    /// Posts the body to a server that `trust` accepts.
+    /// Posts the body to a server that `trust` accepts. One transfer per session.
     void start(QNetworkRequest request, QByteArray body, VextilServerTrust trust, Handlers handlers);
 
 private:

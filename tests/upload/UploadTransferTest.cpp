@@ -14,6 +14,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QMutex>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QSslKey>
@@ -241,6 +242,26 @@ TEST_F(UploadTransferTest, AnUnansweredUploadIsSentOnceAndEndsWith423WhenItsConn
     }
     store->setTransferTimeout(0s);
     EXPECT_EQ(store->transferTimeout(), 60s);
+}
+
+// A host may end while its upload is unanswered. Its threads, and the network's own below them,
+// must be gone with the application object: one still ending past it would hold OpenSSL's
+// per-thread state beyond the library's clean-up at exit.
+TEST_F(UploadTransferTest, AHostThatEndsMidTransferLeavesNoThreadOfTheUploadBehind)
+{
+    ReferenceServer server({"--no-answer", "never"});
+    ASSERT_TRUE(server.isRunning());
+    QProcess host;
+    host.start(QStringLiteral(VEXTIL_END_MID_TRANSFER), {server.host(), server.authorityFile()});
+    ASSERT_TRUE(host.waitForFinished(30000));
+    ASSERT_EQ(host.exitCode(), 0) << host.readAllStandardError().toStdString();
+    const QStringList threads = QString::fromLocal8Bit(host.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return server.logged("POST /file") == 1; }, 5000));
+    EXPECT_FALSE(threads.contains("answered")) << "the server answered";
+    // Linux keeps 15 characters of a thread's name.
+    for (const char *name : {"com.VextilToolk", "QNetworkAccessM", "Qt bearer threa"})
+        EXPECT_FALSE(threads.contains(QString::fromLatin1(name))) << name << " outlived the application: "
+                                                                << threads.join(", ").toStdString();
 }
 
 // A redirect would carry the images and the key to a place the host did not name.

@@ -1,0 +1,227 @@
+// Every screen and state of the Qt Quick face, at two phone sizes, a desktop window and a phone
+// on its side, in the default colours and a host's, compared with reviewed pictures; drawn by
+// Qt Quick's software renderer.
+#include <VextilToolkit/VextilCameraAuthorization.h>
+#include <VextilToolkit/VextilFrameSource.h>
+#include <VextilToolkit/VextilRepository.h>
+#include <VextilToolkit/VextilToolkitSettings.h>
+
+#include "CameraPicture.h"
+#include "PictureCheck.h"
+#include "PictureScheme.h"
+#include "capture/VextilCaptureSession.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSettings>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+// A camera that is there and sends nothing: each picture puts its camera picture in itself.
+class StillCamera : public VextilFrameSource {
+public:
+    void start() override { m_running = true; }
+    void stop() override { m_running = false; }
+    bool isRunning() const override { return m_running; }
+    QString description() const override { return QStringLiteral("still camera"); }
+    bool isAvailable() const override { return true; }
+
+private:
+    bool m_running = false;
+};
+
+// Slides, fades and the status's settling run out.
+void settle()
+{
+    QTest::qWait(800);
+}
+
+// A host window of the given size with FaceCapture over it, a flow opened.
+struct QuickHost {
+    QQmlEngine engine;
+    std::unique_ptr<QQuickWindow> window;
+    QQuickItem *capture = nullptr;
+
+    QuickHost(QSize size, bool tutorial)
+    {
+        QQmlComponent component(&engine);
+        component.setData(QStringLiteral("import QtQuick\nimport VextilToolkit\n"
+                                          "Window { width: %1; height: %2; color: \"white\"\n"
+                                          "  FaceCapture { objectName: \"capture\"; presentTutorial: %3 } }")
+                              .arg(size.width())
+                              .arg(size.height())
+                              .arg(tutorial ? "true" : "false")
+                              .toUtf8(),
+                          QUrl());
+        window.reset(qobject_cast<QQuickWindow *>(component.create()));
+        if (!window) {
+            ADD_FAILURE() << component.errorString().toStdString();
+            return;
+        }
+        window->show();
+        capture = window->findChild<QQuickItem *>(QStringLiteral("capture"));
+        QMetaObject::invokeMethod(capture, "requestFace");
+        settle();
+    }
+    VextilCaptureSession *session() const { return window ? window->findChild<VextilCaptureSession *>() : nullptr; }
+    QImage picture() const { return window ? window->grabWindow() : QImage(); }
+};
+
+struct Look {
+    const char *name;
+    bool hostScheme;
+};
+
+class QuickScreenPictures : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        usePictureFont();
+        VextilToolkitSettings::sharedInstance()->setFrameSourceFactory([] { return std::make_unique<StillCamera>(); });
+        VextilCameraAuthorization::setHooks([] { return VextilCameraAuthorization::Authorized; }, {}, {});
+    }
+    void TearDown() override
+    {
+        VextilToolkitSettings::sharedInstance()->setColorScheme(std::make_shared<VextilDefaultColorScheme>());
+        VextilToolkitSettings::sharedInstance()->setFrameSourceFactory({});
+        VextilCameraAuthorization::setHooks({}, {}, {});
+    }
+
+    // Renders one state at every size in both looks and compares each with its picture.
+    void check(const QString &state, const std::function<QImage(QSize)> &render)
+    {
+        for (const Look look : {Look{"default", false}, Look{"host", true}}) {
+            VextilToolkitSettings::sharedInstance()->setColorScheme(
+                look.hostScheme ? std::make_shared<PictureScheme>() : std::make_shared<VextilDefaultColorScheme>());
+            for (const QSize size : {QSize(390, 844), QSize(1080, 1920), QSize(1280, 800), QSize(844, 390)}) {
+                const QString name = QStringLiteral("quick/%1-%2-%3x%4")
+                                         .arg(state, QLatin1String(look.name)).arg(size.width()).arg(size.height());
+                EXPECT_TRUE(PictureCheck().matches(render(size), name));
+            }
+        }
+    }
+
+    // The camera screen showing `frame`, then whatever `state` puts on it through its session.
+    static QImage cameraScreen(QSize size, const QImage &frame,
+                               const std::function<void(VextilCaptureSession *)> &state = {})
+    {
+        QuickHost host(size, false);
+        VextilCaptureSession *session = host.session();
+        if (!session)
+            return {};
+        if (!frame.isNull())
+            Q_EMIT session->frameReady(frame);
+        if (state)
+            state(session);
+        settle();
+        return host.picture();
+    }
+};
+
+TEST_F(QuickScreenPictures, TheTutorialOverTheCameraScreen)
+{
+    check(QStringLiteral("tutorial"), [](QSize size) {
+        QuickHost host(size, true);
+        return host.picture();
+    });
+}
+
+TEST_F(QuickScreenPictures, TheCameraScreenLookingForAFace)
+{
+    check(QStringLiteral("camera-looking"), [](QSize size) { return cameraScreen(size, cameraPicture()); });
+}
+
+TEST_F(QuickScreenPictures, TheCameraScreenCollectingWithTheFaceFound)
+{
+    check(QStringLiteral("camera-collecting"), [](QSize size) {
+        return cameraScreen(size, cameraPicture(), [](VextilCaptureSession *session) {
+            Q_EMIT session->maskStateChanged(true);
+            Q_EMIT session->instructionChanged(QStringLiteral("Checking your face"));
+            Q_EMIT session->progressChanged(0.6);
+        });
+    });
+}
+
+TEST_F(QuickScreenPictures, TheCameraScreenAskingForASmile)
+{
+    check(QStringLiteral("camera-smile"), [](QSize size) {
+        return cameraScreen(size, cameraPicture(true), [](VextilCaptureSession *session) {
+            Q_EMIT session->maskStateChanged(true);
+            Q_EMIT session->smilePromptChanged(true);
+            Q_EMIT session->instructionChanged(QStringLiteral("SMILE!"));
+            Q_EMIT session->progressBarHiddenChanged(true);
+        });
+    });
+}
+
+TEST_F(QuickScreenPictures, TheCameraScreenNamingACameraFault)
+{
+    check(QStringLiteral("camera-fault"), [](QSize size) {
+        return cameraScreen(size, QImage(), [](VextilCaptureSession *session) {
+            Q_EMIT session->instructionChanged(QStringLiteral("No camera found"));
+        });
+    });
+}
+
+TEST_F(QuickScreenPictures, TheCameraScreenGuidingTheUser)
+{
+    check(QStringLiteral("camera-move-closer"), [](QSize size) {
+        return cameraScreen(size, cameraPicture().scaled(360, 640).copy(-180, -320, 720, 1280),
+                            [](VextilCaptureSession *session) {
+                                Q_EMIT session->instructionChanged(QStringLiteral("Move closer"));
+                            });
+    });
+}
+
+TEST_F(QuickScreenPictures, TheCameraPermissionAlert)
+{
+    VextilCameraAuthorization::setHooks([] { return VextilCameraAuthorization::Denied; }, [](auto answer) { answer(false); },
+                                        [] {});
+    check(QStringLiteral("permission-alert"), [](QSize size) { return cameraScreen(size, QImage()); });
+}
+
+TEST_F(QuickScreenPictures, TheReview)
+{
+    auto *store = VextilRepository::sharedInstance();
+    // One picture throughout: which of the playing images shows at a moment is the loop's
+    // business (its own test), not the layout's.
+    const QImage portrait = cameraPicture().copy(0, 69, 720, 1141);
+    check(QStringLiteral("review"), [&](QSize size) {
+        QuickHost host(size, false);
+        VextilCaptureSession *session = host.session();
+        if (!session)
+            return QImage();
+        // The capture ends as the session's does: the images stored, the flow told.
+        store->setFaceImages(std::make_shared<QList<QImage>>(5, portrait));
+        store->setFaceSmileImages(std::make_shared<QList<QImage>>(2, portrait));
+        Q_EMIT session->finished(true);
+        settle();
+        return host.picture();
+    });
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QUICK_BACKEND", "software");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("VextilToolkitTests"));
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope,
+                       QDir::temp().filePath(QStringLiteral("vextil-tests-%1").arg(QCoreApplication::applicationPid())));
+    VextilToolkitSettings::sharedInstance()->initWithAuthKey(QStringLiteral("picture-key"));
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
