@@ -7,6 +7,7 @@
 #include "FakeCamera.h"
 #include "review/VextilConfirmView.h"
 #include "ui/NavigationBarView.h"
+#include "Presses.h"
 
 #include <QAbstractButton>
 #include <QElapsedTimer>
@@ -43,7 +44,7 @@ protected:
                                40000);
     }
     QString instructions() const { return camera()->faceProgressBoxView()->instructionsLabel()->text(); }
-    static void press(QAbstractButton *button) { QTest::mousePress(button, Qt::LeftButton); }
+    static void press(QAbstractButton *button) { presses::pressWhereDrawn(button); }
 
     QWidget host;
     VextilFace *face = VextilFace::sharedInstance();

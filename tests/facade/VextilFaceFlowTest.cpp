@@ -9,6 +9,7 @@
 #include "review/VextilConfirmView.h"
 #include "tutorial/VextilTutorialFace.h"
 #include "ui/NavigationBarView.h"
+#include "Presses.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -119,7 +120,8 @@ protected:
         return QTest::qWaitFor([&] { return face->confirmController() && face->confirmController()->isVisible(); }, ms);
     }
 
-    static void press(QAbstractButton *button) { QTest::mousePress(button, Qt::LeftButton); }
+    // Where the user presses: on what is drawn at the button's place.
+    static void press(QAbstractButton *button) { presses::pressWhereDrawn(button); }
 
     // Uploads go to the server, as a host sets it in code.
     static void useServer(const ReferenceServer &server)

@@ -3,6 +3,7 @@
 
 #include "review/VextilConfirmView.h"
 #include "ui/NavigationBarView.h"
+#include "Presses.h"
 
 #include <QPainter>
 #include <QTest>
@@ -146,7 +147,11 @@ TEST(ConfirmController, AcceptAndRetakeReportOnceAfterTheScreenIsGone)
         review.setDelegate(&answers);
         VextilBaseViewController::present(&host, &review, false);
         ASSERT_TRUE(QTest::qWaitFor([&] { return review.confirmView() && review.confirmView()->animationImages().size() == 7; }, 2000));
-        QTest::mousePress(accept ? review.confirmView()->acceptButton() : review.navigationBar()->backButton(), Qt::LeftButton);
+        // Accepting with a finger on a touch screen, going back with the mouse.
+        if (accept)
+            presses::touchWhereDrawn(review.confirmView()->acceptButton());
+        else
+            presses::pressWhereDrawn(review.navigationBar()->backButton());
         ASSERT_TRUE(QTest::qWaitFor([&] { return !answers.answers.isEmpty(); }, 2000));
         EXPECT_FALSE(review.isVisible());
         EXPECT_EQ(answers.answers, QList<bool>{accept});

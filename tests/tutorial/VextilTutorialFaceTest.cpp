@@ -2,6 +2,7 @@
 #include <VextilToolkit/VextilToolkitSettings.h>
 
 #include "tutorial/VextilTutorialFace.h"
+#include "Presses.h"
 
 #include <QPointer>
 #include <QTest>
@@ -100,7 +101,7 @@ TEST(TutorialFace, PressingNextFadesOutLeavesTheScreenAndCompletesOnce)
     int completions = 0;
     tutorial->setCompletionHandler([&] { ++completions; });
 
-    QTest::mousePress(tutorial->nextButton(), Qt::LeftButton);
+    presses::touchWhereDrawn(tutorial->nextButton());
     tutorial->didTappedNextButton();  // a second tap changes nothing
     QTest::qWait(100);
     EXPECT_EQ(completions, 0) << "still fading";

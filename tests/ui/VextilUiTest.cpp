@@ -6,6 +6,7 @@
 #include "core/VextilPortraitLock.h"
 #include "ui/NavigationBarView.h"
 #include "ui/VextilButton.h"
+#include "Presses.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -89,9 +90,9 @@ TEST(NavigationBar, ButtonsSitTenFromTheEdgesOnTheTitlesLineAndActOnPress)
     EXPECT_NEAR(back.center().y(), title.center().y(), 1);
 
     QSignalSpy pressed(bar.backButton(), &QAbstractButton::pressed);
-    QTest::mousePress(bar.backButton(), Qt::LeftButton);
+    presses::pressWhereDrawn(bar.backButton());
     EXPECT_EQ(pressed.count(), 1) << "fires as the finger lands, before any release";
-    QTest::mouseRelease(bar.backButton(), Qt::LeftButton);
+    presses::releaseWhereDrawn(bar.backButton());
 
     NavigationBarView plain(QStringLiteral("Confirm"), false);
     EXPECT_EQ(plain.helpButton(), nullptr);
