@@ -9,6 +9,7 @@
 #include "CameraPicture.h"
 #include "PictureCheck.h"
 #include "PictureScheme.h"
+#include "StillCamera.h"
 #include "capture/VextilCaptureSession.h"
 
 #include <QDir>
@@ -25,19 +26,6 @@
 #include <functional>
 
 namespace {
-
-// A camera that is there and sends nothing: each picture puts its camera picture in itself.
-class StillCamera : public VextilFrameSource {
-public:
-    void start() override { m_running = true; }
-    void stop() override { m_running = false; }
-    bool isRunning() const override { return m_running; }
-    QString description() const override { return QStringLiteral("still camera"); }
-    bool isAvailable() const override { return true; }
-
-private:
-    bool m_running = false;
-};
 
 // Slides, fades and the status's settling run out.
 void settle()

@@ -10,6 +10,7 @@
 #include "CameraPicture.h"
 #include "PictureCheck.h"
 #include "PictureScheme.h"
+#include "StillCamera.h"
 #include "capture/VextilCameraWatchdog.h"
 #include "capture/VextilFaceCameraView.h"
 #include "capture/VextilFaceProgressBoxView.h"
@@ -26,19 +27,6 @@
 #include <functional>
 
 namespace {
-
-// A camera that is there and sends nothing: each picture puts its camera picture in itself.
-class StillCamera : public VextilFrameSource {
-public:
-    void start() override { m_running = true; }
-    void stop() override { m_running = false; }
-    bool isRunning() const override { return m_running; }
-    QString description() const override { return QStringLiteral("still camera"); }
-    bool isAvailable() const override { return true; }
-
-private:
-    bool m_running = false;
-};
 
 // Queued updates, and the progress bar's 0.5-s animation, run out.
 void settle()
