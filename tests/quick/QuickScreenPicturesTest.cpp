@@ -197,6 +197,75 @@ TEST_F(QuickScreenPictures, TheReview)
     });
 }
 
+// The QML preview as the user sees it: it follows the camera, the camera stops while the window is
+// hidden, and the picture shows mirrored.
+class QuickPreviewMotion : public QuickScreenPictures {
+protected:
+    void SetUp() override
+    {
+        QuickScreenPictures::SetUp();
+        VextilToolkitSettings::sharedInstance()->setFrameSourceFactory([this] {
+            auto camera = std::make_unique<StillCamera>();
+            m_camera = camera.get();
+            return camera;
+        });
+    }
+    // What the window shows where the preview is.
+    static QImage previewOf(const QuickHost &host)
+    {
+        const QImage window = host.picture();
+        for (QQuickItem *item : host.window->findChildren<QQuickItem *>())
+            if (QByteArray(item->metaObject()->className()).startsWith("VextilQuickPreview"))
+                return window.copy(item->mapRectToScene(QRectF(0, 0, item->width(), item->height())).toRect());
+        return {};
+    }
+    StillCamera *m_camera = nullptr;
+};
+
+TEST_F(QuickPreviewMotion, FollowsTheCameraWhichRestsWhileTheWindowIsHidden)
+{
+    QuickHost host(QSize(390, 844), false);
+    VextilCaptureSession *session = host.session();
+    ASSERT_TRUE(session && m_camera);
+    Q_EMIT session->frameReady(cameraPicture(false));
+    settle();
+    const QImage neutral = previewOf(host);
+    Q_EMIT session->frameReady(cameraPicture(true));
+    settle();
+    const QImage smiling = previewOf(host);
+    ASSERT_FALSE(neutral.isNull());
+    EXPECT_NE(neutral, smiling) << "the painted preview stayed on its first picture";
+    EXPECT_TRUE(m_camera->isRunning());
+    host.window->hide();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !m_camera->isRunning(); }, 2000)) << "the camera films a hidden window";
+    host.window->show();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_camera->isRunning(); }, 2000)) << "the camera did not come back";
+}
+
+TEST_F(QuickPreviewMotion, ShowsTheCamerasPictureMirroredAsASelfieCameraDoes)
+{
+    QuickHost host(QSize(390, 844), false);
+    VextilCaptureSession *session = host.session();
+    ASSERT_TRUE(session);
+    QImage split(720, 1280, QImage::Format_RGB32);
+    split.fill(QColor(200, 30, 30));  // the camera's left: red
+    for (int y = 0; y < split.height(); ++y)
+        for (int x = split.width() / 2; x < split.width(); ++x)
+            split.setPixel(x, y, qRgb(30, 30, 200));  // its right: blue
+    Q_EMIT session->frameReady(split);
+    settle();
+    const QImage preview = previewOf(host);
+    ASSERT_FALSE(preview.isNull());
+    // Points clear of the face frame's lines, a quarter in from each side, above the middle.
+    const QColor left = preview.pixelColor(preview.width() / 8, preview.height() / 8);
+    const QColor right = preview.pixelColor(preview.width() * 7 / 8, preview.height() / 8);
+    // (The face frame's mask darkens the picture there; black would be no picture at all.)
+    EXPECT_GT(left.blue(), 80) << "left: " << left.name().toStdString();
+    EXPECT_GT(left.blue(), 3 * left.red()) << "left: " << left.name().toStdString();
+    EXPECT_GT(right.red(), 80) << "right: " << right.name().toStdString();
+    EXPECT_GT(right.red(), 3 * right.blue()) << "right: " << right.name().toStdString();
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
