@@ -13,6 +13,7 @@
 #include "capture/VextilCaptureSession.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -264,6 +265,54 @@ TEST_F(QuickPreviewMotion, ShowsTheCamerasPictureMirroredAsASelfieCameraDoes)
     EXPECT_GT(left.blue(), 3 * left.red()) << "left: " << left.name().toStdString();
     EXPECT_GT(right.red(), 80) << "right: " << right.name().toStdString();
     EXPECT_GT(right.red(), 3 * right.blue()) << "right: " << right.name().toStdString();
+}
+
+// Share of a row of the bar's rectangle in a picture painted in the given colour.
+double filledShare(const QImage &picture, QRect bar, QColor fill)
+{
+    int filled = 0;
+    const int y = bar.center().y();
+    for (int x = bar.left(); x <= bar.right(); ++x) {
+        const QColor pixel = picture.pixelColor(x, y);
+        filled += std::abs(pixel.red() - fill.red()) + std::abs(pixel.green() - fill.green()) +
+                              std::abs(pixel.blue() - fill.blue()) < 40 ? 1 : 0;
+    }
+    return double(filled) / bar.width();
+}
+
+TEST_F(QuickPreviewMotion, TheProgressBarsFillTravelsToANewValue)
+{
+    QuickHost host(QSize(390, 844), false);
+    VextilCaptureSession *session = host.session();
+    ASSERT_TRUE(session);
+    QQuickItem *bar = nullptr;
+    for (QQuickItem *item : host.window->findChildren<QQuickItem *>())
+        if (item->property("shown").isValid() && item->height() == 15)
+            bar = item;
+    ASSERT_TRUE(bar) << "no progress bar";
+    const QRect area = bar->mapRectToScene(QRectF(0, 0, bar->width(), bar->height())).toRect();
+    Q_EMIT session->instructionChanged(QStringLiteral("Checking your face"));
+    // Part-way through the 0.5-s animation; a busy machine that takes longer tries again.
+    QImage partWay, end;
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        Q_EMIT session->progressChanged(0.0);
+        settle();
+        QElapsedTimer clock;
+        clock.start();
+        Q_EMIT session->progressChanged(0.8);
+        QTest::qWait(200);
+        partWay = host.picture();
+        const bool inTime = clock.elapsed() < 400;
+        settle();
+        end = host.picture();
+        if (inTime)
+            break;
+    }
+    const QColor fill = end.pixelColor(area.left() + 5, area.center().y());
+    EXPECT_NEAR(filledShare(end, area, fill), 0.8, 0.05);
+    const double share = filledShare(partWay, area, fill);
+    EXPECT_GT(share, 0.05) << "the fill has not moved";
+    EXPECT_LT(share, 0.7) << "the fill jumped to its end";
 }
 
 }  // namespace
