@@ -8,7 +8,7 @@
 
 #include "CameraPicture.h"
 #include "PictureCheck.h"
-#include "PictureScheme.h"
+#include "EveryLook.h"
 #include "StillCamera.h"
 #include "capture/VextilCaptureSession.h"
 
@@ -65,11 +65,6 @@ struct QuickHost {
     QImage picture() const { return window ? window->grabWindow() : QImage(); }
 };
 
-struct Look {
-    const char *name;
-    bool hostScheme;
-};
-
 class QuickScreenPictures : public ::testing::Test {
 protected:
     void SetUp() override
@@ -85,18 +80,9 @@ protected:
         VextilCameraAuthorization::setHooks({}, {}, {});
     }
 
-    // Renders one state at every size in both looks and compares each with its picture.
     void check(const QString &state, const std::function<QImage(QSize)> &render)
     {
-        for (const Look look : {Look{"default", false}, Look{"host", true}}) {
-            VextilToolkitSettings::sharedInstance()->setColorScheme(
-                look.hostScheme ? std::make_shared<PictureScheme>() : std::make_shared<VextilDefaultColorScheme>());
-            for (const QSize size : {QSize(390, 844), QSize(1080, 1920), QSize(1280, 800), QSize(844, 390)}) {
-                const QString name = QStringLiteral("quick/%1-%2-%3x%4")
-                                         .arg(state, QLatin1String(look.name)).arg(size.width()).arg(size.height());
-                EXPECT_TRUE(PictureCheck().matches(render(size), name));
-            }
-        }
+        checkEveryLook(QStringLiteral("quick"), state, render);
     }
 
     // The camera screen showing `frame`, then whatever `state` puts on it through its session.

@@ -9,7 +9,7 @@
 
 #include "CameraPicture.h"
 #include "PictureCheck.h"
-#include "PictureScheme.h"
+#include "EveryLook.h"
 #include "StillCamera.h"
 #include "capture/VextilCameraWatchdog.h"
 #include "capture/VextilFaceCameraView.h"
@@ -64,11 +64,6 @@ QImage withDialog(QWidget &host, QWidget &dialog)
     return shot;
 }
 
-struct Look {
-    const char *name;
-    bool hostScheme;
-};
-
 class WidgetScreenPictures : public ::testing::Test {
 protected:
     void SetUp() override { usePictureFont(); }
@@ -78,18 +73,9 @@ protected:
         VextilCameraAuthorization::setHooks({}, {}, {});
     }
 
-    // Renders one state at every size in both looks and compares each with its picture.
     void check(const QString &state, const std::function<QImage(QSize)> &render)
     {
-        for (const Look look : {Look{"default", false}, Look{"host", true}}) {
-            VextilToolkitSettings::sharedInstance()->setColorScheme(
-                look.hostScheme ? std::make_shared<PictureScheme>() : std::make_shared<VextilDefaultColorScheme>());
-            for (const QSize size : {QSize(390, 844), QSize(1080, 1920), QSize(1280, 800), QSize(844, 390)}) {
-                const QString name = QStringLiteral("widgets/%1-%2-%3x%4")
-                                         .arg(state, QLatin1String(look.name)).arg(size.width()).arg(size.height());
-                EXPECT_TRUE(PictureCheck().matches(render(size), name));
-            }
-        }
+        checkEveryLook(QStringLiteral("widgets"), state, render);
     }
 };
 
