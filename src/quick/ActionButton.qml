@@ -2,7 +2,9 @@ import QtQuick
 import VextilToolkit
 
 // A screen's answer button: rounded, titled, with an optional picture before the title; acts as
-// the finger lands, or on Space with the focus. The title shrinks to fit, never grows.
+// the finger lands, or on Space with the focus. An alert's button acts as the finger lifts over it
+// instead (`actsOnRelease`), so that a finger slid away leaves the alert undecided. The title
+// shrinks to fit, never grows.
 Rectangle {
     id: button
     property string text
@@ -12,6 +14,7 @@ Rectangle {
     property int pixelSize: 16
     property bool bold: false
     property string description
+    property bool actsOnRelease: false
     signal pressed()
 
     radius: 5
@@ -59,6 +62,7 @@ Rectangle {
     MouseArea {
         id: mouse
         anchors.fill: parent
-        onPressed: button.pressed()
+        onPressed: if (!button.actsOnRelease) button.pressed()
+        onClicked: if (button.actsOnRelease) button.pressed()
     }
 }

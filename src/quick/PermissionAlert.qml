@@ -40,11 +40,13 @@ FocusScope {
                 id: settingsButton
                 width: parent.width; height: 40
                 text: "Settings"; titleColor: "#007aff"; background: "#f2f2f7"
+                actsOnRelease: true
                 onPressed: { alert.visible = false; alert.settings() }
             }
             ActionButton {
                 width: parent.width; height: 40
                 text: "Cancel"; titleColor: "#ff3b30"; background: "#f2f2f7"
+                actsOnRelease: true
                 onPressed: { alert.visible = false; alert.cancelled() }
             }
         }

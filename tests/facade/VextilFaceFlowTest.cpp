@@ -176,21 +176,42 @@ TEST_F(FaceFlowTest, CaptureReviewAcceptAndUploadEndToEnd)
     EXPECT_EQ(store->getFaceImages(), nullptr) << "a successful upload clears the store";
 }
 
-TEST_F(FaceFlowTest, RetakeThenAcceptReportsOnce)
+// Every button of the screens acts as the finger lands: nothing here is ever released.
+TEST_F(FaceFlowTest, EachButtonActsAsTheFingerLands)
 {
+    face->presentTutorial(true);
     requestFace();
-    ASSERT_TRUE(waitForReview());
-    press(face->confirmController()->confirmView()->cancelButton());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !face->confirmController()->isVisible(); }, 2000));
-    EXPECT_EQ(VextilRepository::sharedInstance()->getFaceImages(), nullptr) << "the rejected capture is dropped";
-    EXPECT_EQ(reports, 0);
+    const auto tips = [&] { return face->faceCameraViewController()->findChild<VextilTutorialFace *>(); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController() && tips(); }, 3000));
+    presses::touchWhereDrawn(tips()->nextButton());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !face->faceCameraViewController()->isPresentingTutorial(); }, 1000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !tips(); }, 2000));
+    press(face->faceCameraViewController()->navigationView()->helpButton());
+    EXPECT_TRUE(face->faceCameraViewController()->isPresentingTutorial()) << "Help waited for the finger to lift";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return tips() && tips()->isVisible(); }, 2000));
+    press(tips()->nextButton());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !tips(); }, 2000));
 
-    ASSERT_TRUE(waitForReview(40000)) << "the second capture did not complete";
+    ASSERT_TRUE(waitForReview());
+    press(face->confirmController()->navigationBar()->backButton());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !face->confirmController()->isVisible(); }, 1000)) << "the review's Back waited";
+    ASSERT_TRUE(waitForReview(40000));
+    press(face->confirmController()->confirmView()->cancelButton());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !face->confirmController()->isVisible(); }, 1000)) << "the retake waited";
+    EXPECT_EQ(VextilRepository::sharedInstance()->getFaceImages(), nullptr) << "the rejected capture is dropped";
+    ASSERT_TRUE(waitForReview(40000));
     press(face->confirmController()->confirmView()->acceptButton());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 1; }, 5000));
-    QTest::qWait(200);
-    EXPECT_EQ(reports, 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 1; }, 2000)) << "the answer waited";
     EXPECT_TRUE(lastSuccess);
+    QTest::qWait(200);
+    EXPECT_EQ(reports, 1) << "one answer, one report";
+
+    face->presentTutorial(false);
+    requestFace();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController() && face->faceCameraViewController()->isVisible(); }, 3000));
+    press(face->faceCameraViewController()->navigationView()->backButton());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 2; }, 2000)) << "Back waited";
+    EXPECT_FALSE(lastSuccess);
 }
 
 TEST_F(FaceFlowTest, CancelOnTheCameraScreenReports421AndASecondRequestBuildsNewScreens)
@@ -277,7 +298,11 @@ TEST_F(FaceFlowTest, PermissionPathsEndIn421OrLeaveTheScreenForSettings)
     EXPECT_EQ(alert->buttons()[0]->text(), "Settings");
     EXPECT_EQ(alert->buttons()[1]->text(), "Cancel");
 
-    alert->buttons()[0]->click();
+    // An alert decides as the finger lifts over a button, not as it lands.
+    presses::pressWhereDrawn(alert->buttons()[0]);
+    QTest::qWait(100);
+    EXPECT_EQ(settingsOpened, 0) << "decided before the finger lifted";
+    presses::releaseWhereDrawn(alert->buttons()[0]);
     QTest::qWait(100);
     EXPECT_EQ(settingsOpened, 1);
     EXPECT_EQ(reports, 0) << "Settings leaves the screen up";
@@ -285,7 +310,9 @@ TEST_F(FaceFlowTest, PermissionPathsEndIn421OrLeaveTheScreenForSettings)
     VextilCameraAuthorization::setHooks([] { return VextilCameraAuthorization::Denied; }, {}, {});
     face->faceCameraViewController()->willEnterForeground();
     ASSERT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController()->alert() != nullptr; }, 2000));
-    face->faceCameraViewController()->alert()->buttons()[1]->click();
+    QAbstractButton *cancel = face->faceCameraViewController()->alert()->buttons()[1];
+    presses::pressWhereDrawn(cancel);
+    presses::releaseWhereDrawn(cancel);
     ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 1; }, 5000));
     EXPECT_EQ(lastError->code, 421);
 

@@ -274,7 +274,11 @@ Item {
             tryVerify(() => alert && alert.visible && findButton(capture, "Settings") !== null, 3000, "no permission alert")
             compare(alert.Accessible.description, "You need to allow this app to access this device's camera.")
             const opened = cameraPermission.settingsOpened
-            press("Settings")
+            land(findButton(capture, "Settings"), true)
+            wait(100)
+            verify(alert.visible && cameraPermission.settingsOpened === opened,
+                   "the alert decided before the finger lifted, as no alert does")
+            lift()
             compare(cameraPermission.settingsOpened, opened + 1)
             wait(200)
             compare(finished.count, 0, "Settings leaves the screen up")
@@ -312,7 +316,8 @@ Item {
             waitForReview()
         }
 
-        // Every button acts as the finger lands, before it lifts, by mouse and by touch.
+        // Every button of the screens acts as the finger lands, before it lifts, by mouse and by
+        // touch (the permission alert's act as it lifts, as an alert's do).
         function test_eachButtonActsAsTheFingerLands() {
             capture.presentTutorial = true
             capture.requestFace()
