@@ -15,7 +15,7 @@
 /// are portrait only and never rotate: on Android a phone is held in portrait while one shows,
 /// and in a window of another shape a screen lays itself out in a portrait region
 /// (portraitRect). GUI thread only.
-class VEXTIL_EXPORT VextilBaseViewController : public QWidget {
+class VEXTIL_WIDGETS_EXPORT VextilBaseViewController : public QWidget {
     Q_OBJECT
 public:
     explicit VextilBaseViewController(QWidget *parent = nullptr);
@@ -83,7 +83,7 @@ private:
 /// the screens it is portrait only and never rotates: each screen pushed onto it lays itself out
 /// in a portrait region of the stack (see VextilBaseViewController::portraitRect). The toolkit
 /// itself never creates one. GUI thread only.
-class VEXTIL_EXPORT VextilBaseNavigationController : public QStackedWidget {
+class VEXTIL_WIDGETS_EXPORT VextilBaseNavigationController : public QStackedWidget {
     Q_OBJECT
 public:
     using QStackedWidget::QStackedWidget;

@@ -13,7 +13,7 @@ class VextilConfirmView;
 
 /// The review screen: the captured images with a question; accept or take again. Reports the
 /// answer to its delegate once the screen has gone. GUI thread only.
-class VEXTIL_EXPORT VextilConfirmController : public VextilBaseViewController, public VextilConfirmModelDelegate {
+class VEXTIL_WIDGETS_EXPORT VextilConfirmController : public VextilBaseViewController, public VextilConfirmModelDelegate {
     Q_OBJECT
 public:
     explicit VextilConfirmController(QWidget *parent = nullptr);

@@ -20,7 +20,7 @@ class VextilFlowLatch;
 
 /// The host's entry point: takes a face capture through the camera and review screens, and
 /// uploads it. A process-wide singleton; call it from the GUI thread.
-class VEXTIL_EXPORT VextilFace : public QObject,
+class VEXTIL_WIDGETS_EXPORT VextilFace : public QObject,
                                  public VextilFaceCameraControllerDelegate,
                                  public VextilConfirmControllerDelegate {
     Q_OBJECT

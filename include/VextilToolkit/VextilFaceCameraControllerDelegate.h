@@ -3,7 +3,7 @@
 #include <VextilToolkit/VextilToolkitExport.h>
 
 /// Receives the end of a capture from the camera screen. Called on the GUI thread.
-class VEXTIL_EXPORT VextilFaceCameraControllerDelegate {
+class VEXTIL_WIDGETS_EXPORT VextilFaceCameraControllerDelegate {
 public:
     virtual ~VextilFaceCameraControllerDelegate();
     /// True when the images are in the store; false for cancel or missing camera permission.

@@ -25,7 +25,7 @@ class VextilFaceProgressBoxView;
 /// end of the capture to its delegate. A camera that is missing, fails or stops delivering is
 /// named on the screen in place of the instructions and reopened until it delivers again. GUI
 /// thread, except the frame path and the model's calls.
-class VEXTIL_EXPORT VextilFaceCameraViewController : public VextilBaseViewController,
+class VEXTIL_WIDGETS_EXPORT VextilFaceCameraViewController : public VextilBaseViewController,
                                                      public VextilFaceCameraModelDelegate {
     Q_OBJECT
 public:

@@ -1,7 +1,7 @@
 #include <VextilToolkit/VextilConfirmModel.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
 
-#include "tutorial/VextilTutorialFace.h"
+#include "widgets/tutorial/VextilTutorialFace.h"
 
 #include <QDir>
 #include <QFile>

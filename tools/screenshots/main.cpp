@@ -12,11 +12,11 @@
 #include <VextilToolkit/VextilVideoFileReader.h>
 
 #include "capture/VextilCameraWatchdog.h"
-#include "capture/VextilFaceCameraView.h"
-#include "capture/VextilFaceProgressBoxView.h"
+#include "widgets/capture/VextilFaceCameraView.h"
+#include "widgets/capture/VextilFaceProgressBoxView.h"
 #include "core/VextilTexts.h"
-#include "tutorial/VextilTutorialFace.h"
-#include "ui/NavigationBarView.h"
+#include "widgets/tutorial/VextilTutorialFace.h"
+#include "widgets/ui/NavigationBarView.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -1,11 +1,14 @@
 // qml_consumer CLIP HOST:PORT AUTHORITY.pem: captures with the clip as the camera, accepts the
-// review as a user would, and uploads to the given service; exits 0 once the upload succeeded.
+// review as a user would, and uploads to the given service; exits 0 once the upload succeeded
+// with no Qt Widgets loaded into the process at any point of it.
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
 
 #include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+
+#include <cstdio>
 
 int main(int argc, char **argv)
 {
@@ -24,5 +27,11 @@ int main(int argc, char **argv)
     engine.load(QUrl(QStringLiteral("qrc:/consumer/Main.qml")));
     if (engine.rootObjects().isEmpty())
         return 70;
-    return app.exec();
+    const int code = app.exec();
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    if (maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libQt6Widgets")) {
+        std::fprintf(stderr, "Qt Widgets was loaded into a QML host\n");
+        return 72;
+    }
+    return code;
 }
