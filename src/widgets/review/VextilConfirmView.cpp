@@ -127,11 +127,12 @@ void VextilConfirmView::resizeEvent(QResizeEvent *)
 
 void VextilConfirmView::drawMask()
 {
-    // Built once, from the photo's frame at the first layout pass, and never moved after.
-    if (m_border)
-        return;
-    m_borderColor = currentColorScheme()->buttonBackgroundColorForState(kVextilHighlighted);
+    // Laid again around the photo at every layout pass: a desktop window or a phone turned
+    // sideways resizes the screen while it shows. Its colour is the scheme's when first laid.
+    if (!m_border)
+        m_borderColor = currentColorScheme()->buttonBackgroundColorForState(kVextilHighlighted);
     m_border = QRectF(m_imageView->geometry()).adjusted(-5, -5, 5, 5);
+    update();
 }
 
 void VextilConfirmView::paintEvent(QPaintEvent *)

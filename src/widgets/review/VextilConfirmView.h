@@ -23,7 +23,7 @@ public:
     QLabel *messageLabel() const { return m_messageLabel; }
     VextilButton *acceptButton() const { return m_acceptButton; }
     VextilButton *cancelButton() const { return m_cancelButton; }
-    /// The border's rectangle, fixed at the first layout pass; empty before it.
+    /// The border's rectangle around the photo, as of the last layout pass; empty before the first.
     std::optional<QRectF> border() const { return m_border; }
 
     void setMessageText(const QString &text);

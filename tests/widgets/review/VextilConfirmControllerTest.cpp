@@ -37,7 +37,7 @@ public:
     QList<bool> answers;
 };
 
-TEST(ConfirmView, PlaysTheImagesInOrderARoundASecondAndDrawsTheBorderOnce)
+TEST(ConfirmView, PlaysTheImagesInOrderARoundASecondInABorderThatFollowsTheWindow)
 {
     VextilConfirmView view;
     view.resize(390, 760);
@@ -45,8 +45,16 @@ TEST(ConfirmView, PlaysTheImagesInOrderARoundASecondAndDrawsTheBorderOnce)
     const auto border = view.border();
     ASSERT_TRUE(border.has_value());
     EXPECT_EQ(*border, QRectF(view.selectImageView()->geometry()).adjusted(-5, -5, 5, 5));
-    view.resize(600, 900);
-    EXPECT_EQ(view.border(), border) << "later layout passes leave the border where it was";
+    // A window resized while the review shows: the border surrounds the photo again, drawn.
+    for (const QSize size : {QSize(600, 900), QSize(1280, 800), QSize(844, 390)}) {
+        view.resize(size);
+        const QRectF around = QRectF(view.selectImageView()->geometry()).adjusted(-5, -5, 5, 5);
+        EXPECT_EQ(view.border(), around) << "the border stayed behind at " << size.width() << "x" << size.height();
+        const QImage painted = view.grab().toImage();
+        EXPECT_NE(painted.pixelColor(around.topLeft().toPoint() + QPoint(10, 0)), painted.pixelColor(5, 5))
+            << "no border painted along the photo's top edge";
+    }
+    view.resize(390, 760);
     EXPECT_EQ(view.cancelButton()->imageEdgeInsets(), QMarginsF(0, 0, 15, 0));
 
     // What is painted goes through the seven images in order, the whole round in a second: a
