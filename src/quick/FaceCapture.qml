@@ -51,6 +51,21 @@ FocusScope {
 
     readonly property int slideMs: 250
 
+    // Modal while any screen shows: no press, touch, wheel or hover reaches the host's items
+    // beneath, also where a screen draws nothing (between its controls, below one sliding in).
+    MouseArea {
+        anchors.fill: parent
+        acceptedButtons: Qt.AllButtons
+        hoverEnabled: true
+        preventStealing: true
+        onWheel: (wheel) => wheel.accepted = true
+    }
+    // Keys the screens leave unhandled stop here rather than travel up to the host's items, and
+    // the host's shortcuts wait until the flow is over.
+    Keys.onPressed: (event) => event.accepted = true
+    Keys.onReleased: (event) => event.accepted = true
+    Keys.onShortcutOverride: (event) => event.accepted = true
+
     FaceFlow {
         id: flow
         onFinished: (success, error) => capture.finished(success, error)

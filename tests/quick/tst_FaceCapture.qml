@@ -8,6 +8,15 @@ Item {
     width: 390
     height: 844
 
+    // The host's own surface under everything, which counts what reaches it.
+    property int reachedHost: 0
+    Keys.onPressed: ++host.reachedHost
+    MouseArea {
+        anchors.fill: parent
+        acceptedButtons: Qt.AllButtons
+        onPressed: ++host.reachedHost
+        onWheel: ++host.reachedHost
+    }
     // The host's own control, which has the keyboard focus before and after a flow.
     Rectangle {
         id: hostButton
@@ -265,6 +274,69 @@ Item {
             capture.cameraScreen.visible = true
             verify(session.shown)
             waitForReview()
+        }
+
+        // Every shown button of the toolkit's under `item`.
+        function buttonsIn(item, found) {
+            if (!item.visible)
+                return found
+            if (typeof item.pressed === "function" && item.width > 0)
+                found.push(item)
+            for (let i = 0; i < item.children.length; ++i)
+                buttonsIn(item.children[i], found)
+            return found
+        }
+        // Presses, touches and wheel turns on a grid over the whole window, its buttons left
+        // out, then a key: none of it may reach the host beneath the screen.
+        function pokeEverywhereBut(buttons, screen) {
+            host.reachedHost = 0
+            for (let gx = 0; gx < 6; ++gx) {
+                for (let gy = 0; gy < 10; ++gy) {
+                    const x = (gx + 0.5) * host.width / 6, y = (gy + 0.5) * host.height / 10
+                    if (buttons.some((b) => {
+                        const at = b.mapFromItem(host, x, y)
+                        return at.x >= -4 && at.y >= -4 && at.x <= b.width + 4 && at.y <= b.height + 4
+                    }))
+                        continue
+                    mousePress(host, x, y)
+                    mouseRelease(host, x, y)
+                    mouseWheel(host, x, y, 0, -120)
+                    const finger = touchEvent(host)
+                    finger.press(0, host, x, y).commit()
+                    finger.release(0, host, x, y).commit()
+                }
+            }
+            keyClick(Qt.Key_A)
+            compare(host.reachedHost, 0, "presses went through the " + screen + " to the host")
+        }
+        function test_noPressTouchWheelOrKeyReachesTheHostUnderAnyScreen() {
+            capture.presentTutorial = true
+            capture.requestFace()
+            tryVerify(() => findButton(capture, "OK, I got it") !== null, 2000)
+            wait(400)  // the tips in place
+            pokeEverywhereBut(buttonsIn(capture, []), "tips")
+            tap(findButton(capture, "OK, I got it"))
+            tryVerify(() => !capture.cameraScreen.session.tutorialShown, 2000)
+            pokeEverywhereBut(buttonsIn(capture, []), "camera screen")
+            waitForReview()
+            wait(400)
+            pokeEverywhereBut(buttonsIn(capture, []), "review")
+            tap(findButton(capture.reviewScreen, "Back"))
+            tryCompare(capture, "stage", FaceFlow.Camera, 2000)
+            tap(findButton(capture.cameraScreen, "Back"))
+            finished.wait(3000)
+
+            cameraPermission.answer("denied")
+            capture.requestFace()
+            tryVerify(() => findButton(capture, "Settings") !== null, 3000, "no permission alert")
+            pokeEverywhereBut(buttonsIn(capture, []), "permission alert")
+            tap(findButton(capture, "Cancel"))
+            finished.wait(3000)
+            cameraPermission.answer("authorized")
+            host.reachedHost = 0
+            mousePress(host, 200, 400)
+            compare(host.reachedHost, 1, "the host takes presses again once the flow is over")
+            mouseRelease(host, 200, 400)
         }
 
         function test_refusedCameraAccessOffersTheSettingsOrEndsIn421() {

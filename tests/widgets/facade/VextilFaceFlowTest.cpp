@@ -18,6 +18,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <QWheelEvent>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -83,6 +85,30 @@ public:
 private:
     std::atomic<bool> m_running{false};
     std::thread m_thread;
+};
+
+// The host's own surface: counts every press, touch, wheel turn and key that reaches it.
+class HostSurface : public QWidget {
+public:
+    explicit HostSurface(QWidget *parent) : QWidget(parent)
+    {
+        setAttribute(Qt::WA_AcceptTouchEvents);
+        setFocusPolicy(Qt::StrongFocus);
+    }
+    int reached = 0;
+
+protected:
+    bool event(QEvent *event) override
+    {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress: case QEvent::TouchBegin: case QEvent::Wheel: case QEvent::KeyPress:
+            ++reached;
+            event->accept();
+            return true;
+        default:
+            return QWidget::event(event);
+        }
+    }
 };
 
 // The whole flow on the offscreen platform: the sample clip, looping, stands in for the camera.
@@ -212,6 +238,58 @@ TEST_F(FaceFlowTest, EachButtonActsAsTheFingerLands)
     press(face->faceCameraViewController()->navigationView()->backButton());
     ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 2; }, 2000)) << "Back waited";
     EXPECT_FALSE(lastSuccess);
+}
+
+// Presses, touches and wheel turns on a grid over the window, the toolkit's buttons left out,
+// then a key, all through the window as the system delivers them: none reach the host.
+int pokeEverywhereButTheButtons(QWidget &host, HostSurface &surface)
+{
+    static QPointingDevice *screen = QTest::createTouchDevice();
+    surface.reached = 0;
+    QWindow *window = host.windowHandle();
+    for (int gx = 0; gx < 6; ++gx) {
+        for (int gy = 0; gy < 10; ++gy) {
+            const QPoint at((2 * gx + 1) * host.width() / 12, (2 * gy + 1) * host.height() / 20);
+            QWidget *top = host.childAt(at);
+            for (QWidget *w = top; w; w = w->parentWidget())
+                if (qobject_cast<QAbstractButton *>(w))
+                    top = nullptr;
+            if (!top)
+                continue;
+            QTest::mousePress(window, Qt::LeftButton, {}, at);
+            QTest::mouseRelease(window, Qt::LeftButton, {}, at);
+            QWheelEvent wheel(at, host.mapToGlobal(at), {}, QPoint(0, -120), Qt::NoButton, {}, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(top, &wheel);
+            QTest::touchEvent(window, screen).press(0, at, window);
+            QTest::touchEvent(window, screen).release(0, at, window);
+        }
+    }
+    QTest::keyClick(window, Qt::Key_A);
+    return surface.reached;
+}
+
+TEST_F(FaceFlowTest, NoPressTouchWheelOrKeyReachesTheHostUnderAnyScreen)
+{
+    auto *surface = new HostSurface(&host);
+    surface->setGeometry(host.rect());
+    surface->show();
+    surface->setFocus();
+    face->presentTutorial(true);
+    requestFace();
+    const auto tips = [&] { return face->faceCameraViewController()->findChild<VextilTutorialFace *>(); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return face->faceCameraViewController() && tips(); }, 3000));
+    QTest::qWait(400);  // the screen and the tips in place
+    EXPECT_EQ(pokeEverywhereButTheButtons(host, *surface), 0) << "through the tips";
+    press(tips()->nextButton());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !tips(); }, 2000));
+    EXPECT_EQ(pokeEverywhereButTheButtons(host, *surface), 0) << "through the camera screen";
+    ASSERT_TRUE(waitForReview());
+    QTest::qWait(400);
+    EXPECT_EQ(pokeEverywhereButTheButtons(host, *surface), 0) << "through the review";
+    press(face->confirmController()->confirmView()->acceptButton());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 1; }, 5000));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_GT(pokeEverywhereButTheButtons(host, *surface), 0) << "the host takes presses again after the flow";
 }
 
 TEST_F(FaceFlowTest, CancelOnTheCameraScreenReports421AndASecondRequestBuildsNewScreens)
