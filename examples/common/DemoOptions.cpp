@@ -36,6 +36,8 @@ DemoOptions::DemoOptions(const QString &description)
                         QStringLiteral("name")});
     m_parser.addOption({QStringLiteral("scheme"), QStringLiteral("Use the host's own colour scheme.")});
     m_parser.addOption({QStringLiteral("no-tutorial"), QStringLiteral("Open the camera without the tutorial.")});
+    m_parser.addOption({QStringLiteral("own-pipeline"),
+                        QStringLiteral("QML demo host: feed the camera file through a frame source of the host's own.")});
     m_parser.addOption({QStringLiteral("size"), QStringLiteral("Size of the host window, such as 1080x1920 (390x844 by default)."),
                         QStringLiteral("WxH")});
     m_parser.addOption({QStringLiteral("unattended"), QStringLiteral("Answer every screen automatically, then quit.")});
