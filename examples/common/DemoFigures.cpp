@@ -18,6 +18,12 @@ void DemoFigures::print(bool sent, qint64 uploadMs) const
     std::printf("  analysis time: mean %.2f ms, p95 %.2f ms\n", mean, p95);
     if (secondsToCompletion)
         std::printf("  first neutral image to completion: %.2f s\n", *secondsToCompletion);
+    QList<double> delays = instructionDelayMs;
+    std::sort(delays.begin(), delays.end());
+    const auto share = [&delays](double at) { return delays.isEmpty() ? 0.0 : delays[qsizetype(double(delays.size() - 1) * at)]; };
+    std::printf("  instruction felt delay (frame delivered to instruction painted): p50 %.1f ms, p95 %.1f ms over %d changes\n",
+                delayP50Ms.value_or(share(0.5)), delayP95Ms.value_or(share(0.95)),
+                instructionChanges.value_or(int(delays.size())));
     std::printf("  peak memory of the process: %.1f MiB\n", double(usage.ru_maxrss) / 1024.0);
     std::printf("  upload: %s in %lld ms\n", sent ? "sent" : "failed", qlonglong(uploadMs));
 }

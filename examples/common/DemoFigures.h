@@ -11,6 +11,10 @@ struct DemoFigures {
     QList<double> analysisMs;  // or, when only summaries are known, meanMs and p95Ms
     std::optional<double> meanMs, p95Ms;
     std::optional<double> secondsToCompletion;
+    // The instructions' felt delay: every measure, or only the summaries.
+    QList<double> instructionDelayMs;
+    std::optional<double> delayP50Ms, delayP95Ms;
+    std::optional<int> instructionChanges;
 
     void print(bool sent, qint64 uploadMs) const;
 };

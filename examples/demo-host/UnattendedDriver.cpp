@@ -138,6 +138,7 @@ void UnattendedDriver::printFigures(bool sent, qint64 uploadMs)
     figures.analysed = m_stats.analysed;
     figures.dropped = m_stats.dropped;
     figures.analysisMs = m_stats.analysisMs;
+    figures.instructionDelayMs = m_stats.instructionDelayMs;
     figures.secondsToCompletion = m_secondsToCompletion;
     figures.print(sent, uploadMs);
 }

@@ -116,6 +116,9 @@ void QuickDriver::poll()
         m_figures.dropped = stats.value(QStringLiteral("dropped")).toInt();
         m_figures.meanMs = stats.value(QStringLiteral("meanAnalysisMs")).toDouble();
         m_figures.p95Ms = stats.value(QStringLiteral("p95AnalysisMs")).toDouble();
+        m_figures.instructionChanges = stats.value(QStringLiteral("instructionChanges")).toInt();
+        m_figures.delayP50Ms = stats.value(QStringLiteral("p50InstructionDelayMs")).toDouble();
+        m_figures.delayP95Ms = stats.value(QStringLiteral("p95InstructionDelayMs")).toDouble();
         if (const double seconds = capture->property("secondsToCompletion").toDouble(); seconds >= 0)
             m_figures.secondsToCompletion = seconds;
         // Let the user look for a moment, then accept.

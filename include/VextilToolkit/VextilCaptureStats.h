@@ -8,4 +8,7 @@ struct VextilCaptureStats {
     int analysed = 0;          ///< frames the face capture model ran on
     int dropped = 0;           ///< frames replaced by a newer one before they were analysed
     QList<double> analysisMs;  ///< analysis time of every analysed frame, in milliseconds
+    /// For each new instruction: from the delivery of the frame that made it due to the screen's
+    /// first paint after it, in milliseconds.
+    QList<double> instructionDelayMs;
 };

@@ -20,6 +20,7 @@ void VextilCaptureQueue::post(const VextilCameraFrame &frame)
         if (m_pending)
             ++m_stats.dropped;
         m_pending = frame;
+        m_pendingDeliveredAt = std::chrono::steady_clock::now();
     }
     m_wake.notify_one();
 }
@@ -65,6 +66,7 @@ void VextilCaptureQueue::run()
             if (work.isEmpty()) {
                 frame = std::move(*m_pending);
                 m_pending.reset();
+                m_inHandDeliveredAt = m_pendingDeliveredAt;
             }
         }
         // Queued work goes first: a reset queued before a frame must be seen by that frame.

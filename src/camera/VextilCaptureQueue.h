@@ -6,6 +6,7 @@
 #include <QList>
 #include <QThread>
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -31,6 +32,8 @@ public:
     void shutdown();
     /// The figures so far.
     VextilCaptureStats stats() const;
+    /// When the frame in hand was offered; only on the queue's thread, inside the handler.
+    std::chrono::steady_clock::time_point deliveredAt() const { return m_inHandDeliveredAt; }
 
 protected:
     void run() override;
@@ -42,6 +45,7 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_wake;
     std::optional<VextilCameraFrame> m_pending;
+    std::chrono::steady_clock::time_point m_pendingDeliveredAt, m_inHandDeliveredAt;
     QList<std::function<void()>> m_work;
     bool m_stopping = false;
     VextilCaptureStats m_stats;

@@ -182,10 +182,18 @@ void VextilCaptureSession::onGuiThread(std::function<void()> work) { VextilMainQ
 
 void VextilCaptureSession::updateMessageText(const QString &text)
 {
-    onGuiThread([this, text] {
+    // Asked for while a frame is analysed: that frame's delivery starts the felt delay.
+    std::optional<VextilInstructionDelay::Clock::time_point> delivered;
+    if (m_captureQueue && QThread::currentThread() == m_captureQueue.get())
+        delivered = m_captureQueue->deliveredAt();
+    onGuiThread([this, text, delivered] {
+        const bool changed = text != m_modelText;
         m_modelText = text;
-        if (m_watchdog->health() == VextilCameraWatchdog::Health::Live)
-            Q_EMIT instructionChanged(text);
+        if (m_watchdog->health() != VextilCameraWatchdog::Health::Live)
+            return;
+        if (changed && delivered)
+            m_instructionDelay.due(text, *delivered);
+        Q_EMIT instructionChanged(text);
     });
 }
 
@@ -214,9 +222,13 @@ void VextilCaptureSession::isPopupViewHidden(bool hidden)
     onGuiThread([this, hidden] { Q_EMIT smilePromptChanged(!hidden); });
 }
 
+void VextilCaptureSession::instructionPainted() { m_instructionDelay.painted(); }
+
 VextilCaptureStats VextilCaptureSession::captureStats() const
 {
-    return m_captureQueue ? m_captureQueue->stats() : VextilCaptureStats();
+    VextilCaptureStats stats = m_captureQueue ? m_captureQueue->stats() : VextilCaptureStats();
+    stats.instructionDelayMs = m_instructionDelay.delaysMs();
+    return stats;
 }
 
 std::optional<double> VextilCaptureSession::secondsToCompletion() const

@@ -6,6 +6,8 @@
 #include <VextilToolkit/VextilFrameSource.h>
 #include <VextilToolkit/VextilToolkitExport.h>
 
+#include "capture/VextilInstructionDelay.h"
+
 #include <QImage>
 #include <QObject>
 #include <QPointer>
@@ -69,6 +71,9 @@ public:
     /// The instruction to show: a camera fault, or else the model's newest instruction.
     QString instruction() const;
     VextilCaptureStats captureStats() const;
+    /// The screen painted its instruction line: closes the measure of a new instruction's delay.
+    /// Any thread (a Qt Quick window reports from its render thread).
+    void instructionPainted();
     /// Seconds from the first neutral image to completion, once known.
     std::optional<double> secondsToCompletion() const;
 
@@ -109,6 +114,7 @@ private:
     QPointer<VextilFaceCameraModel> m_model;
     std::unique_ptr<VextilFrameSource> m_source;
     std::unique_ptr<VextilCaptureQueue> m_captureQueue;
+    VextilInstructionDelay m_instructionDelay;
     VextilCameraWatchdog *m_watchdog = nullptr;
     std::function<bool()> m_staying;
     QString m_modelText;  // the model's newest instruction, shown whenever the camera delivers

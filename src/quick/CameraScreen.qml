@@ -26,6 +26,12 @@ FocusScope {
         }
     }
 
+    // The first frame on the screen after a new instruction shows it: there the felt delay ends.
+    Connections {
+        target: screen.Window.window
+        function onFrameSwapped() { session.instructionPainted() }
+    }
+
     Rectangle { anchors.fill: parent; color: "black" }
 
     Item {

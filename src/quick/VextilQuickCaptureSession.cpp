@@ -112,14 +112,25 @@ void VextilQuickCaptureSession::setShown(bool shown)
 QVariantMap VextilQuickCaptureSession::stats() const
 {
     const VextilCaptureStats stats = m_session->captureStats();
-    QList<double> times = stats.analysisMs;
-    std::sort(times.begin(), times.end());
+    const auto sorted = [](QList<double> values) {
+        std::sort(values.begin(), values.end());
+        return values;
+    };
+    const auto share = [](const QList<double> &values, double at) {
+        return values.isEmpty() ? 0.0 : values[qsizetype(double(values.size() - 1) * at)];
+    };
+    const QList<double> times = sorted(stats.analysisMs), delays = sorted(stats.instructionDelayMs);
     const double total = std::accumulate(times.begin(), times.end(), 0.0);
     return {{QStringLiteral("delivered"), stats.delivered},
             {QStringLiteral("analysed"), stats.analysed},
             {QStringLiteral("dropped"), stats.dropped},
             {QStringLiteral("meanAnalysisMs"), times.isEmpty() ? 0.0 : total / double(times.size())},
-            {QStringLiteral("p95AnalysisMs"), times.isEmpty() ? 0.0 : times[qsizetype(double(times.size() - 1) * 0.95)]}};
+            {QStringLiteral("p95AnalysisMs"), share(times, 0.95)},
+            {QStringLiteral("instructionChanges"), int(delays.size())},
+            {QStringLiteral("p50InstructionDelayMs"), share(delays, 0.5)},
+            {QStringLiteral("p95InstructionDelayMs"), share(delays, 0.95)}};
 }
+
+void VextilQuickCaptureSession::instructionPainted() { m_session->instructionPainted(); }
 
 double VextilQuickCaptureSession::secondsToCompletion() const { return m_session->secondsToCompletion().value_or(-1.0); }

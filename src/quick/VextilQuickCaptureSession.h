@@ -28,7 +28,8 @@ class VextilQuickCaptureSession : public QObject {
     /// Whether the screen is going away for good (no camera start then).
     Q_PROPERTY(bool leaving MEMBER m_leaving NOTIFY leavingChanged)
     Q_PROPERTY(bool mirrored READ mirrored CONSTANT)
-    /// Frames delivered, analysed and dropped, and the mean and 95th percentile analysis times in ms.
+    /// Frames delivered, analysed and dropped, the mean and 95th percentile analysis times in ms,
+    /// and the instructions' felt delay: instructionChanges, p50InstructionDelayMs, p95InstructionDelayMs.
     Q_PROPERTY(QVariantMap stats READ stats)
     /// Seconds from the first neutral image to completion; negative until known.
     Q_PROPERTY(double secondsToCompletion READ secondsToCompletion)
@@ -63,6 +64,8 @@ public:
     Q_INVOKABLE void finish(bool success);
     /// Opens the system's privacy settings (the permission alert's Settings).
     Q_INVOKABLE void openSettings();
+    /// The window showed a new frame: a new instruction has reached the screen.
+    Q_INVOKABLE void instructionPainted();
 
 Q_SIGNALS:
     void videoFileChanged();

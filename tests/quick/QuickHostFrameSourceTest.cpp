@@ -85,6 +85,10 @@ TEST(QuickHostFrameSource, CarriesAWholeCaptureThroughTheQmlFace)
     const auto review = [&] { return capture->property("reviewScreen").value<QQuickItem *>(); };
     ASSERT_TRUE(QTest::qWaitFor([&] { return review() != nullptr; }, 40000)) << "the capture did not complete";
     EXPECT_GT(delivered.load(), 0);
+    const auto *camera = capture->property("cameraScreen").value<QQuickItem *>();
+    const QVariantMap stats = camera->property("session").value<QObject *>()->property("stats").toMap();
+    EXPECT_GT(stats.value(QStringLiteral("instructionChanges")).toInt(), 0) << "no instruction's felt delay was measured";
+    EXPECT_GE(stats.value(QStringLiteral("p50InstructionDelayMs")).toDouble(), 0.0);
     QMetaObject::invokeMethod(review(), "answer", Q_ARG(QVariant, true));
     ASSERT_TRUE(QTest::qWaitFor([&] { return finished.count() == 1; }, 5000));
     EXPECT_TRUE(finished.first().at(0).toBool());

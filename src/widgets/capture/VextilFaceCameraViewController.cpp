@@ -12,6 +12,7 @@
 #include "widgets/tutorial/VextilTutorialFace.h"
 #include "widgets/ui/NavigationBarView.h"
 #include "widgets/ui/VextilFrame.h"
+#include "widgets/ui/VextilLabel.h"
 
 #include <QCoreApplication>
 #include <QPushButton>
@@ -62,6 +63,7 @@ void VextilFaceCameraViewController::connectSession()
     VextilFaceProgressBoxView *box = m_faceProgressBoxView;
     connect(m_session, &VextilCaptureSession::instructionChanged, box,
             &VextilFaceProgressBoxView::updateInstructionsLabelWithText);
+    connect(box->instructionsLabel(), &VextilLabel::painted, m_session, &VextilCaptureSession::instructionPainted);
     connect(m_session, &VextilCaptureSession::progressChanged, box, &VextilFaceProgressBoxView::updateProgress);
     connect(m_session, &VextilCaptureSession::progressBarHiddenChanged, box, &VextilFaceProgressBoxView::isProgressBarHidden);
     connect(m_session, &VextilCaptureSession::maskStateChanged, this, &VextilFaceCameraViewController::showMaskState);

@@ -64,6 +64,7 @@ void VextilLabel::setFocusable(bool focusable)
 void VextilLabel::paintEvent(QPaintEvent *event)
 {
     QLabel::paintEvent(event);
+    Q_EMIT painted();
     if (!hasFocus())
         return;
     // Around the text, not across the whole line, with room to clear it.

@@ -34,6 +34,10 @@ public:
     /// The whole text, even when it is shown elided.
     QString fullText() const { return m_text; }
 
+Q_SIGNALS:
+    /// The label was painted (what it shows now reached the screen's buffer).
+    void painted();
+
 protected:
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;

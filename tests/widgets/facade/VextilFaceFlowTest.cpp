@@ -175,6 +175,11 @@ TEST_F(FaceFlowTest, CaptureReviewAcceptAndUploadEndToEnd)
     EXPECT_EQ(store->getFaceImages()->size(), 5);
     EXPECT_EQ(store->getFaceSmileImagess()->size(), 2);
     EXPECT_TRUE(QTest::qWaitFor([&] { return face->confirmController()->confirmView()->animationImages().size() == 7; }, 2000));
+    // Each new instruction was measured from its frame to its paint.
+    const QList<double> delays = face->faceCameraViewController()->captureStats().instructionDelayMs;
+    EXPECT_FALSE(delays.isEmpty()) << "no instruction's felt delay was measured";
+    for (double ms : delays)
+        EXPECT_GE(ms, 0.0);
 
     press(face->confirmController()->confirmView()->acceptButton());
     ASSERT_TRUE(QTest::qWaitFor([&] { return reports == 1; }, 5000));
