@@ -4,7 +4,8 @@
 #include <VextilToolkit/VextilFrameSource.h>
 #include <VextilToolkit/VextilRepository.h>
 #include <VextilToolkit/VextilToolkitSettings.h>
-#include <VextilToolkit/VextilVideoFileReader.h>
+
+#include "ClipPlayer.h"
 
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -16,57 +17,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <thread>
 
-namespace {
-
-// The host's pipeline: the sample clip read on a thread of its own at 15 frames a second.
-class HostPipeline : public VextilFrameSource {
-public:
-    explicit HostPipeline(std::atomic<int> &delivered) : m_delivered(delivered) {}
-    ~HostPipeline() override { stop(); }
-    void start() override
-    {
-        stop();
-        m_running = true;
-        m_thread = std::thread([this] {
-            VextilVideoFileReader reader;
-            reader.open(QStringLiteral(VEXTIL_SELFIE_CLIP));
-            const auto started = std::chrono::steady_clock::now();
-            while (m_running) {
-                auto frame = reader.readFrame();
-                if (!frame && (!reader.rewind() || !(frame = reader.readFrame())))
-                    return;
-                std::this_thread::sleep_until(started + std::chrono::milliseconds(frame->index * 1000 / 15));
-                deliver(VextilCameraFrame(frame->image, 0));
-                ++m_delivered;
-            }
-        });
-    }
-    void stop() override
-    {
-        m_running = false;
-        if (m_thread.joinable())
-            m_thread.join();
-    }
-    bool isRunning() const override { return m_running; }
-    QString description() const override { return QStringLiteral("the host's pipeline"); }
-    bool isAvailable() const override { return true; }
-
-private:
-    std::atomic<int> &m_delivered;
-    std::atomic<bool> m_running{false};
-    std::thread m_thread;
-};
-
-}  // namespace
 
 TEST(QuickHostFrameSource, CarriesAWholeCaptureThroughTheQmlFace)
 {
     std::atomic<int> delivered{0};
     VextilCameraAuthorization::setHooks([] { return VextilCameraAuthorization::Authorized; }, {}, {});
     VextilToolkitSettings::sharedInstance()->setFrameSourceFactory(
-        [&delivered] { return std::make_unique<HostPipeline>(delivered); });
+        [&delivered] { return std::make_unique<ClipPlayer>(VEXTIL_SELFIE_CLIP, QTransform(), 0, &delivered); });
     VextilRepository::sharedInstance()->resetAllImages();
 
     QQmlEngine engine;

@@ -1,27 +1,14 @@
 #include <VextilToolkit/VextilConfirmModel.h>
 #include <VextilToolkit/VextilRepository.h>
 
+#include "TestImages.h"
+
 #include <gtest/gtest.h>
 
 #include <QImage>
 #include <QPainter>
 
 namespace {
-
-QImage solid(QRgb colour)
-{
-    QImage image(30, 40, QImage::Format_RGB32);
-    image.fill(colour);
-    return image;
-}
-
-VextilRepository::ImageArray images(int count, QRgb base)
-{
-    auto list = std::make_shared<QList<QImage>>();
-    for (int i = 0; i < count; ++i)
-        list->append(solid(base + QRgb(i)));
-    return list;
-}
 
 // Records what the model pushes.
 class Receiver : public QObject, public VextilConfirmModelDelegate {

@@ -9,6 +9,7 @@
 #include "widgets/review/VextilConfirmView.h"
 #include "widgets/tutorial/VextilTutorialFace.h"
 #include "widgets/ui/NavigationBarView.h"
+#include "ClipPlayer.h"
 #include "Presses.h"
 
 #include <QApplication>
@@ -48,43 +49,6 @@ public:
 private:
     VextilVideoFileSource m_file;
     std::atomic<int> &m_starts;
-};
-
-// A sensor mounted sideways: the portrait clip's frames stored turned a quarter anticlockwise,
-// each marked with the clockwise quarter turn that makes it upright again.
-class SidewaysSource : public VextilFrameSource {
-public:
-    ~SidewaysSource() override { stop(); }
-    void start() override
-    {
-        stop();
-        m_running = true;
-        m_thread = std::thread([this] {
-            VextilVideoFileReader reader;
-            reader.open(VEXTIL_SELFIE_CLIP);
-            const auto started = std::chrono::steady_clock::now();
-            while (m_running) {
-                auto frame = reader.readFrame();
-                if (!frame && (!reader.rewind() || !(frame = reader.readFrame())))
-                    return;
-                std::this_thread::sleep_until(started + std::chrono::milliseconds(frame->index * 1000 / 15));
-                deliver(VextilCameraFrame(frame->image.transformed(QTransform().rotate(-90)), 90));
-            }
-        });
-    }
-    void stop() override
-    {
-        m_running = false;
-        if (m_thread.joinable())
-            m_thread.join();
-    }
-    bool isRunning() const override { return m_running; }
-    QString description() const override { return QStringLiteral("sideways sensor"); }
-    bool isAvailable() const override { return true; }
-
-private:
-    std::atomic<bool> m_running{false};
-    std::thread m_thread;
 };
 
 // The host's own surface: counts every press, touch, wheel turn and key that reaches it.
@@ -488,7 +452,10 @@ TEST_F(FaceFlowTest, CamerasAndWindowsOfEitherShapeGivePortraitImagesOfWhatTheVi
     using Factory = std::function<std::unique_ptr<VextilFrameSource>()>;
     const Factory sample = [] { return std::make_unique<VextilVideoFileSource>(VEXTIL_SELFIE_CLIP, true); },
                   landscape = [] { return std::make_unique<VextilVideoFileSource>(VEXTIL_CLIP_LANDSCAPE, true); },
-                  sideways = [] { return std::make_unique<SidewaysSource>(); };
+                  sideways = [] {
+                      // A sensor mounted sideways: frames stored a quarter turn anticlockwise.
+                      return std::make_unique<ClipPlayer>(VEXTIL_SELFIE_CLIP, QTransform().rotate(-90), 90);
+                  };
     const std::tuple<const char *, QSize, Factory> runs[] = {
         {"landscape webcam, phone", QSize(390, 844), landscape},
         {"sideways sensor, phone", QSize(390, 844), sideways},

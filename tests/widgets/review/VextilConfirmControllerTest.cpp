@@ -4,6 +4,7 @@
 #include "widgets/review/VextilConfirmView.h"
 #include "widgets/ui/NavigationBarView.h"
 #include "Presses.h"
+#include "TestImages.h"
 
 #include <QElapsedTimer>
 #include <QPainter>
@@ -14,21 +15,6 @@
 #include <thread>
 
 namespace {
-
-QImage solid(QRgb colour)
-{
-    QImage image(30, 40, QImage::Format_RGB32);
-    image.fill(colour);
-    return image;
-}
-
-VextilRepository::ImageArray images(int count, QRgb base)
-{
-    auto list = std::make_shared<QList<QImage>>();
-    for (int i = 0; i < count; ++i)
-        list->append(solid(base + QRgb(i)));
-    return list;
-}
 
 // Records what the model pushes.
 class Answers : public QObject, public VextilConfirmControllerDelegate {
