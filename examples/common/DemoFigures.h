@@ -11,6 +11,11 @@ struct DemoFigures {
     QList<double> analysisMs;  // or, when only summaries are known, meanMs and p95Ms
     std::optional<double> meanMs, p95Ms;
     std::optional<double> secondsToCompletion;
+    // Resident memory with the host window up and the toolkit set up, before the capture starts.
+    std::optional<double> idleMiB;
 
+    /// The process's resident memory now (VmRSS), in MiB; the peak figure is the high-water mark
+    /// of the same measure (ru_maxrss), so the two subtract.
+    static double residentMiB();
     void print(bool sent, qint64 uploadMs) const;
 };

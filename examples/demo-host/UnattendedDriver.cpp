@@ -80,6 +80,7 @@ void UnattendedDriver::start()
     QDir().mkpath(m_screenshots);
     m_sinceStart.start();
     shoot(QStringLiteral("0-host"), m_window);
+    m_idleMiB = DemoFigures::residentMiB();  // the window drawn, the capture not started
     m_window->takeSelfie();
     m_poll.start();
 }
@@ -139,6 +140,7 @@ void UnattendedDriver::printFigures(bool sent, qint64 uploadMs)
     figures.dropped = m_stats.dropped;
     figures.analysisMs = m_stats.analysisMs;
     figures.secondsToCompletion = m_secondsToCompletion;
+    figures.idleMiB = m_idleMiB;
     figures.print(sent, uploadMs);
 }
 
