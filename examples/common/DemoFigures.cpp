@@ -1,9 +1,22 @@
 #include "DemoFigures.h"
 
+#include <QFile>
+
 #include <algorithm>
 #include <cstdio>
 #include <numeric>
 #include <sys/resource.h>
+
+double DemoFigures::residentMiB()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine())
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;  // in kB
+    return 0;
+}
 
 void DemoFigures::print(bool sent, qint64 uploadMs) const
 {
@@ -24,6 +37,11 @@ void DemoFigures::print(bool sent, qint64 uploadMs) const
     std::printf("  instruction felt delay (frame delivered to instruction painted): p50 %.1f ms, p95 %.1f ms over %d changes\n",
                 delayP50Ms.value_or(share(0.5)), delayP95Ms.value_or(share(0.95)),
                 instructionChanges.value_or(int(delays.size())));
-    std::printf("  peak memory of the process: %.1f MiB\n", double(usage.ru_maxrss) / 1024.0);
+    const double peakMiB = double(usage.ru_maxrss) / 1024.0;
+    if (idleMiB)
+        std::printf("  idle memory of the host: %.1f MiB\n", *idleMiB);
+    std::printf("  peak memory of the process: %.1f MiB\n", peakMiB);
+    if (idleMiB)
+        std::printf("  capture adds: %.1f MiB over idle\n", peakMiB - *idleMiB);
     std::printf("  upload: %s in %lld ms\n", sent ? "sent" : "failed", qlonglong(uploadMs));
 }

@@ -15,6 +15,11 @@ struct DemoFigures {
     QList<double> instructionDelayMs;
     std::optional<double> delayP50Ms, delayP95Ms;
     std::optional<int> instructionChanges;
+    // Resident memory with the host window up and the toolkit set up, before the capture starts.
+    std::optional<double> idleMiB;
 
+    /// The process's resident memory now (VmRSS), in MiB; the peak figure is the high-water mark
+    /// of the same measure (ru_maxrss), so the two subtract.
+    static double residentMiB();
     void print(bool sent, qint64 uploadMs) const;
 };

@@ -31,5 +31,5 @@ private:
     QSet<QString> m_done;
     QElapsedTimer m_sinceStart, m_upload;
     VextilCaptureStats m_stats;
-    std::optional<double> m_secondsToCompletion;
+    std::optional<double> m_secondsToCompletion, m_idleMiB;
 };

@@ -11,7 +11,7 @@
 
 /// One frame read from a video file, as the camera path delivers it.
 struct VextilVideoFileFrame {
-    QImage image;        ///< Format_RGB32, converted through VextilImageBuffer
+    QImage image;        ///< Format_RGB32, as a camera delivering BGRX gives it
     int index = 0;       ///< frame number from 0
     double seconds = 0;  ///< presentation time: index / frames per second
 };

@@ -1,6 +1,6 @@
 #include <VextilToolkit/VextilVideoFileSource.h>
 
-#include <VextilToolkit/VextilVideoFileReader.h>
+#include "camera/VextilVideoDecoder.h"
 
 #include <chrono>
 
@@ -8,7 +8,7 @@ VextilVideoFileSource::VextilVideoFileSource(QString path, bool loop) : m_path(s
 
 VextilVideoFileSource::~VextilVideoFileSource() { stop(); }
 
-bool VextilVideoFileSource::isAvailable() const { return VextilVideoFileReader().open(m_path); }
+bool VextilVideoFileSource::isAvailable() const { return VextilVideoDecoder().open(m_path); }
 
 void VextilVideoFileSource::start()
 {
@@ -28,25 +28,29 @@ void VextilVideoFileSource::stop()
 
 void VextilVideoFileSource::play()
 {
-    VextilVideoFileReader reader;
-    if (!reader.open(m_path)) {
+    VextilVideoDecoder decoder;
+    if (!decoder.open(m_path)) {
         m_running = false;
         return;
     }
     // Paced by the file's timestamps against a steady clock, as a camera delivers in real time.
+    // Each frame is decoded when its time comes rather than ahead of it: the one before is then
+    // usually analysed already, and its buffer decodes this one.
     auto started = std::chrono::steady_clock::now();
     while (m_running) {
-        auto frame = reader.readFrame();
+        std::this_thread::sleep_until(started + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                                                    std::chrono::duration<double>(decoder.nextSeconds())));
+        if (!m_running)
+            break;
+        auto frame = decoder.read();
         if (!frame) {
-            if (!m_loop || !reader.rewind())
+            if (!m_loop || !decoder.rewind())
                 break;
             started = std::chrono::steady_clock::now();
             continue;
         }
-        std::this_thread::sleep_until(started + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-                                                    std::chrono::duration<double>(frame->seconds)));
-        if (m_running)
-            deliver(frame->image);
+        // As a camera's: converted only as far as the capture takes the frame.
+        deliver(VextilVideoDecoder::cameraFrame(frame->pixels));
     }
     m_running = false;
 }

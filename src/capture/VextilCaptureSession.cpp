@@ -13,11 +13,26 @@
 #include <algorithm>
 #include <chrono>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 namespace {
 // The longer side of the copy the model judges and the preview shows: the view's own pixels,
 // within these bounds. Faces fill much of the view, and the networks read a fraction of it.
 constexpr int kSmallestAnalysedSide = 720, kLargestAnalysedSide = 1080;
 qint64 nowNs() { return std::chrono::steady_clock::now().time_since_epoch().count(); }
+
+// Setting the screen up (reading the networks, drawing and closing the tutorial) frees megabytes
+// scattered through the GUI thread's heap, which glibc keeps resident between the blocks still in
+// use; the capture's pictures never fill those holes. Their pages go back to the system once, as
+// the analysis starts (about half a millisecond).
+void giveBackSetupScratch()
+{
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
+}
 }  // namespace
 
 VextilCaptureSession::VextilCaptureSession(QObject *parent) : QObject(parent) {}
@@ -88,6 +103,7 @@ void VextilCaptureSession::applicationStateChanged(Qt::ApplicationState state)
 void VextilCaptureSession::appear()
 {
     m_denied = false;
+    m_scratchGivenBack = false;
     if (m_model)
         m_model->resetState();
     // A moment later, and only if the screen is staying: when the flow closes, the review goes
@@ -149,6 +165,8 @@ void VextilCaptureSession::captureOutput(const VextilCameraFrame &frame)
 {
     if (m_tutorialShown || !m_model)
         return;  // ignored, so never converted
+    if (!m_scratchGivenBack.exchange(true))
+        giveBackSetupScratch();  // the first frame analysed: the screen is set up, the tutorial gone
     // What the user sees is what the model judges and the store keeps: upright, cropped to the
     // view. The model judges a small copy; the whole picture is made only for a frame it keeps.
     const QSizeF view = m_model->viewSize();

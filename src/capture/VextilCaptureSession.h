@@ -124,6 +124,7 @@ private:
     bool m_faceFound = false;
     std::atomic<int> m_analysedSide{720};  // longer side of the copy judged and shown, in pixels
     std::atomic<bool> m_tutorialShown{false};
+    std::atomic<bool> m_scratchGivenBack{false};  // a frame was analysed since the screen appeared
     std::atomic<qint64> m_firstNeutralNs{0};
     std::atomic<qint64> m_completedNs{0};
     // The newest frame waiting for the preview, and whether a hop to show it is queued.
