@@ -49,3 +49,11 @@ QImage VextilUprightFrame::image(const VextilCameraFrame &frame, QSizeF viewSize
 {
     return scaledImage(frame, viewSize, std::numeric_limits<int>::max());
 }
+
+QImage VextilUprightFrame::kept(const VextilCameraFrame &frame, QSizeF viewSize)
+{
+    QImage picture = image(frame, viewSize);
+    // In place where the picture is the only copy: its buffer shrinks, nothing is copied.
+    picture.convertTo(QImage::Format_RGB888);
+    return picture;
+}

@@ -14,6 +14,9 @@ public:
     /// The upright, cropped picture; a null image for a null frame. An empty view crops nothing.
     /// Only the region is converted, where the frame's source allows.
     static QImage image(const VextilCameraFrame &frame, QSizeF viewSize);
+    /// The same picture in three bytes a pixel (Format_RGB888), as a capture keeps it: seven of
+    /// them wait for the upload, and the fourth byte would be a quarter of their memory.
+    static QImage kept(const VextilCameraFrame &frame, QSizeF viewSize);
     /// The same picture scaled down so that its longer side is at most `longestSide`, made from
     /// the frame's own pixels where the source allows (see VextilCameraFrame::scaledRegion).
     static QImage scaledImage(const VextilCameraFrame &frame, QSizeF viewSize, int longestSide);

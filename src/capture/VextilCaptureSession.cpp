@@ -174,7 +174,7 @@ void VextilCaptureSession::captureOutput(const VextilCameraFrame &frame)
     if (analysed.isNull())
         return;
     showFrame(analysed);
-    m_model->processFace(analysed, [&frame, view] { return VextilUprightFrame::image(frame, view); });
+    m_model->processFace(analysed, [&frame, view] { return VextilUprightFrame::kept(frame, view); });
 }
 
 void VextilCaptureSession::showFrame(const QImage &frame)

@@ -49,6 +49,19 @@ TEST(UprightFrame, EachQuarterTurnPutsTheSceneUprightAndCropsToTheView)
     }
 }
 
+TEST(UprightFrame, AKeptPictureIsTheSamePictureInThreeBytesAPixel)
+{
+    const QImage scene = quarters(QSize(40, 60));
+    for (int rotation : {0, 90}) {
+        SCOPED_TRACE(rotation);
+        const VextilCameraFrame frame(scene.transformed(QTransform().rotate(-rotation)), rotation);
+        const QImage kept = VextilUprightFrame::kept(frame, QSizeF(80, 40));
+        EXPECT_EQ(kept.format(), QImage::Format_RGB888);
+        EXPECT_LE(kept.sizeInBytes(), qsizetype(kept.height()) * ((kept.width() * 3 + 3) & ~3));
+        EXPECT_EQ(kept.convertToFormat(QImage::Format_RGB32), VextilUprightFrame::image(frame, QSizeF(80, 40)));
+    }
+}
+
 TEST(UprightFrame, TheVisibleRegionIsTheMiddleAtTheViewsAspect)
 {
     EXPECT_EQ(VextilUprightFrame::visibleRegion(QSize(1280, 720), QSizeF(390, 618)), QRect(413, 0, 454, 720));
