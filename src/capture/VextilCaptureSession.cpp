@@ -165,8 +165,6 @@ void VextilCaptureSession::captureOutput(const VextilCameraFrame &frame)
 {
     if (m_tutorialShown || !m_model)
         return;  // ignored, so never converted
-    if (!m_scratchGivenBack.exchange(true))
-        giveBackFreedPages();  // the first frame analysed: the screen is set up, the tutorial gone
     // What the user sees is what the model judges and the store keeps: upright, cropped to the
     // view. The model judges a small copy; the whole picture is made only for a frame it keeps.
     const QSizeF view = m_model->viewSize();
@@ -174,11 +172,14 @@ void VextilCaptureSession::captureOutput(const VextilCameraFrame &frame)
     if (analysed.isNull())
         return;
     showFrame(analysed);
-    m_model->processFace(analysed, [&frame, view] {
-        QImage kept = VextilUprightFrame::kept(frame, view);
-        giveBackFreedPages();
-        return kept;
+    bool kept = false;
+    m_model->processFace(analysed, [&frame, view, &kept] {
+        kept = true;
+        return VextilUprightFrame::kept(frame, view);
     });
+    // Once the screen has been told what the frame changed, so that it waits for nothing here.
+    if (!m_scratchGivenBack.exchange(true) || kept)
+        giveBackFreedPages();
 }
 
 void VextilCaptureSession::showFrame(const QImage &frame)
