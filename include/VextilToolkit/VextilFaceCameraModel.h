@@ -113,6 +113,9 @@ private:
     void lookingForFace(const VextilFaceFeature &face, const std::function<QImage()> &keep);
     void collectingFaces(const VextilFaceFeature &face, const std::function<QImage()> &keep);
     void awaitingSmile(const VextilFaceFeature &face, const std::function<QImage()> &keep);
+    // As setUItoState(), with the progress counting `imagesOnTheWay` neutral images not yet appended.
+    void enterState(VextilFaceCaptureState state, int imagesOnTheWay);
+    void appendNeutral(const QImage &image);
     bool secondHasPassed() const;
     void stampClock();
     double clockSeconds() const;

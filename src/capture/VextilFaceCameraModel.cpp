@@ -159,13 +159,9 @@ void VextilFaceCameraModel::lookingForFace(const VextilFaceFeature &face, const 
         showHint(int(Hint::RelaxFace));  // a smile now would make neutral images of a smile: the capture waits
     } else {
         m_hasFaceInLastFrame = true;
-        const QImage kept = keep();  // made outside the lock: a whole frame takes a while
-        {
-            QMutexLocker lock(&m_mutex);
-            if (m_facesArray)
-                m_facesArray->append(kept);
-        }
-        setUItoState(VextilFaceCaptureStateCollectingFaces);
+        // The screen hears first: making the whole picture takes milliseconds it need not wait for.
+        enterState(VextilFaceCaptureStateCollectingFaces, 1);
+        appendNeutral(keep());
     }
     stampClock();
 }
@@ -190,16 +186,17 @@ void VextilFaceCameraModel::collectingFaces(const VextilFaceFeature &face, const
         return;
     stampClock();
     m_hasFaceInLastFrame = true;
-    const QImage kept = keep();
-    qsizetype count = 0;
-    {
-        QMutexLocker lock(&m_mutex);
-        if (m_facesArray) {
-            m_facesArray->append(kept);
-            count = m_facesArray->size();
-        }
-    }
-    setUItoState(count < kNeutralImages ? VextilFaceCaptureStateCollectingFaces : VextilFaceCaptureStateAwaitingSmile);
+    const bool last = neutralCount() + 1 >= kNeutralImages;
+    enterState(last ? VextilFaceCaptureStateAwaitingSmile : VextilFaceCaptureStateCollectingFaces, 1);
+    appendNeutral(keep());
+}
+
+void VextilFaceCameraModel::appendNeutral(const QImage &image)
+{
+    // Made outside the lock: a whole picture takes a while.
+    QMutexLocker lock(&m_mutex);
+    if (m_facesArray)
+        m_facesArray->append(image);
 }
 
 void VextilFaceCameraModel::awaitingSmile(const VextilFaceFeature &face, const std::function<QImage()> &keep)
@@ -260,7 +257,9 @@ int VextilFaceCameraModel::neutralCount() const
     return m_facesArray ? int(m_facesArray->size()) : 0;
 }
 
-void VextilFaceCameraModel::setUItoState(VextilFaceCaptureState state)
+void VextilFaceCameraModel::setUItoState(VextilFaceCaptureState state) { enterState(state, 0); }
+
+void VextilFaceCameraModel::enterState(VextilFaceCaptureState state, int imagesOnTheWay)
 {
     m_shownHint = int(Hint::None);
     m_wantedHint = int(Hint::None);
@@ -286,7 +285,7 @@ void VextilFaceCameraModel::setUItoState(VextilFaceCaptureState state)
                                         : VextilTexts::tr("Looking for face"));
         delegate->isPopupViewHidden(true);
         delegate->isProgressBarHidden(false);
-        delegate->updateProgressView(neutralCount() / double(kNeutralImages));
+        delegate->updateProgressView((neutralCount() + imagesOnTheWay) / double(kNeutralImages));
         break;
     }
 }

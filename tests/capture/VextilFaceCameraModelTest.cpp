@@ -139,6 +139,29 @@ TEST_F(FaceCameraModelTest, ADetectorThatThrowsSeesNoFaceAndTheCaptureGoesOn)
     EXPECT_EQ(neutralCount(), 1) << "and the next good frame counts";
 }
 
+TEST_F(FaceCameraModelTest, TheScreenHearsOfAKeptImageBeforeTheWholePictureIsMade)
+{
+    // Making the whole-size picture takes milliseconds; the instruction, the progress and the
+    // smile prompt must not wait for it. What the screen has heard when each picture is made:
+    QList<QStringList> heardWhenMade;
+    const auto keep = [&] {
+        heardWhenMade.append(delegate.calls());
+        delegate.clear();
+        return faceImage(0);
+    };
+    for (int i = 0; i < 5; ++i) {
+        at(i);
+        detector->next = {{kFaceBox, false}};
+        model.processFace(nextImage(0), keep);
+    }
+    ASSERT_EQ(heardWhenMade.size(), 5);
+    EXPECT_EQ(heardWhenMade[0], (QStringList{"mask", "message:Checking your face", "popup:hidden", "bar:shown",
+                                             "progress:0.2"}));
+    EXPECT_TRUE(heardWhenMade[3].contains("progress:0.8"));
+    EXPECT_EQ(heardWhenMade[4], (QStringList{"message:Checking your face", "popup:shown", "bar:hidden"}));
+    EXPECT_EQ(neutralCount(), 5) << "every picture made is kept";
+}
+
 TEST_F(FaceCameraModelTest, NearEnoughIsStrictlyBetweenFortyAndEightyThreePercentOfTheView)
 {
     const auto nearEnough = [&](double width) { return model.isFaceNearEnough({QRectF(0, 0, width, width), false}, image); };
