@@ -4,15 +4,24 @@
 
 void VextilPreviewPainter::paint(QPainter &painter, QSizeF area, const QImage &frame, bool mirrored)
 {
-    painter.fillRect(QRectF(QPointF(0, 0), area), Qt::black);
-    if (frame.isNull())
+    const QRectF target(QPointF(0, 0), area);
+    const QRectF source = filledPart(frame.size(), area);
+    if (source.isEmpty()) {
+        painter.fillRect(target, Qt::black);
         return;
-    const QSizeF filled = QSizeF(frame.size()).scaled(area, Qt::KeepAspectRatioByExpanding);
-    const QRectF target(QPointF((area.width() - filled.width()) / 2, (area.height() - filled.height()) / 2), filled);
+    }
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     if (mirrored)
         painter.setTransform(QTransform(-1, 0, 0, 1, area.width(), 0), true);
-    painter.drawImage(target, frame);
+    painter.drawImage(target, frame, source);
     painter.restore();
+}
+
+QRectF VextilPreviewPainter::filledPart(QSizeF frame, QSizeF area)
+{
+    if (frame.isEmpty() || area.isEmpty())
+        return {};
+    const QSizeF part = area.scaled(frame, Qt::KeepAspectRatio);
+    return {QPointF((frame.width() - part.width()) / 2, (frame.height() - part.height()) / 2), part};
 }

@@ -3,6 +3,7 @@
 #include <VextilToolkit/VextilToolkitExport.h>
 
 #include <QImage>
+#include <QRectF>
 #include <QSizeF>
 
 class QPainter;
@@ -13,4 +14,6 @@ class QPainter;
 class VEXTIL_EXPORT VextilPreviewPainter {
 public:
     static void paint(QPainter &painter, QSizeF area, const QImage &frame, bool mirrored);
+    /// The part of a frame of `frame` size that fills `area`: its middle, at the area's aspect.
+    static QRectF filledPart(QSizeF frame, QSizeF area);
 };
