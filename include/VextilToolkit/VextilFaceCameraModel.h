@@ -106,6 +106,9 @@ public:
     void setDelegate(QObject *delegate);
 
 private:
+    void judge(const QImage &image, const QList<VextilFaceFeature> &features, const std::function<QImage()> &keep);
+    void facesFound(const QList<VextilFaceFeature> &faces);
+    void takeBackCheckingAhead();
     void noFace(bool faceLost);
     void startOver();
     bool isReady(int hint);
@@ -147,4 +150,8 @@ private:
     std::atomic<int> m_wantedHint{0};
     std::atomic<int> m_wantedFrames{0};
     std::atomic<quint64> m_currentState{VextilFaceCaptureStateLookingForFace};
+    // Capture thread only: the frame being detected, and whether "Checking your face" went out
+    // for it before its smile was judged.
+    const QImage *m_analysed = nullptr;
+    bool m_checkingAhead = false;
 };

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QList>
 
+#include <functional>
 #include <memory>
 
 /// The detectors the toolkit ships.
@@ -38,6 +39,12 @@ public:
     /// kind of failure), and the image counts as showing no face. What the face capture model calls.
     QList<VextilFaceFeature> detect(const QImage &image) noexcept;
 
+    /// Receives the faces of an image as soon as they are found, before their smiles are judged
+    /// (hasSmile false, no smileScore), from inside detect() on its thread. The face capture
+    /// model sets it to tell the user sooner; one handler per detector.
+    using FacesFoundHandler = std::function<void(const QList<VextilFaceFeature> &faces)>;
+    void setFacesFoundHandler(FacesFoundHandler handler);
+
     /// The detector of the preferred kind. The learned one falls back to the cascade one, with
     /// one warning, when its models cannot be loaded.
     static std::shared_ptr<VextilFaceDetector> createDefault();
@@ -45,6 +52,12 @@ public:
     static void setPreferredKind(VextilFaceDetectorKind kind);
     static VextilFaceDetectorKind preferredKind();
 
+protected:
+    /// For detectors that judge smiles after finding faces: hands the faces found to the
+    /// handler, if one is set, before the smiles are judged.
+    void facesFound(const QList<VextilFaceFeature> &faces) const;
+
 private:
     bool m_streamMode = false;
+    FacesFoundHandler m_facesFound;
 };

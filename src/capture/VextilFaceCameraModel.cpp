@@ -40,8 +40,10 @@ VextilFaceCameraModel::VextilFaceCameraModel(std::shared_ptr<VextilFaceDetector>
     // The smiling array is made by the first reset only: the camera screen always resets the
     // model before frames flow, and until then a capture cannot complete.
     // Frames come from one camera: the detector may reuse work across them.
-    if (m_faceDetector)
+    if (m_faceDetector) {
         m_faceDetector->setStreamMode(true);
+        m_faceDetector->setFacesFoundHandler([this](const QList<VextilFaceFeature> &faces) { facesFound(faces); });
+    }
 }
 
 VextilFaceCameraModel::~VextilFaceCameraModel() = default;
@@ -68,11 +70,54 @@ void VextilFaceCameraModel::processFace(const QImage &image, const std::function
     bool idle = false;
     if (!m_isProcessing.compare_exchange_strong(idle, true))
         return;
+    m_analysed = &image;
     const QList<VextilFaceFeature> features =
         m_faceDetector ? m_faceDetector->detect(image) : QList<VextilFaceFeature>();
+    m_analysed = nullptr;
     // The guard covers detection only, not the state logic that follows.
     m_isProcessing = false;
+    judge(image, features, keep);
+    if (std::exchange(m_checkingAhead, false))
+        takeBackCheckingAhead();
+}
 
+void VextilFaceCameraModel::facesFound(const QList<VextilFaceFeature> &faces)
+{
+    // A face is found and its smile not yet judged, which takes as long again. When the face is
+    // ready to be kept, the user hears at once that it is being checked; the smile decides next.
+    if (faces.isEmpty() || !m_analysed || currentState() != VextilFaceCaptureStateLookingForFace
+        || m_shownHint == int(Hint::RelaxFace))
+        return;
+    VextilFaceTrack::Step step;
+    Hint hint;
+    {
+        QMutexLocker lock(&m_mutex);
+        VextilFaceTrack trial = *m_track;  // what this frame will do to the track, tried on a copy
+        step = trial.follow(*m_analysed, faces.first(), m_viewSize, clockSeconds());
+        hint = VextilCaptureGuidance::of(trial);
+    }
+    if (hint != Hint::None || (step != VextilFaceTrack::Step::Started && step != VextilFaceTrack::Step::Continued))
+        return;
+    if (VextilFaceCameraModelDelegate *delegate = currentDelegate()) {
+        delegate->updateMessageText(VextilTexts::tr("Checking your face"));
+        m_checkingAhead = true;
+    }
+}
+
+void VextilFaceCameraModel::takeBackCheckingAhead()
+{
+    // Announced ahead and nothing said since: what was shown before comes back.
+    const int shown = m_shownHint;
+    VextilFaceCameraModelDelegate *delegate = currentDelegate();
+    if (!delegate || currentState() != VextilFaceCaptureStateLookingForFace)
+        return;
+    delegate->updateMessageText(shown == int(Hint::None) ? VextilTexts::tr("Looking for face")
+                                                         : VextilCaptureGuidance::text(Hint(shown)));
+}
+
+void VextilFaceCameraModel::judge(const QImage &image, const QList<VextilFaceFeature> &features,
+                                  const std::function<QImage()> &keep)
+{
     const std::optional<VextilFaceFeature> first =
         features.isEmpty() ? std::nullopt : std::optional<VextilFaceFeature>(features.first());
     VextilFaceTrack::Step step;
@@ -141,6 +186,7 @@ void VextilFaceCameraModel::showHint(int hint)
     VextilFaceCameraModelDelegate *delegate = currentDelegate();
     if (!delegate)
         return;
+    m_checkingAhead = false;
     const VextilFaceCaptureState state = currentState();
     if (hint != int(Hint::None))
         delegate->updateMessageText(VextilCaptureGuidance::text(Hint(hint)));
@@ -261,6 +307,7 @@ void VextilFaceCameraModel::setUItoState(VextilFaceCaptureState state) { enterSt
 
 void VextilFaceCameraModel::enterState(VextilFaceCaptureState state, int imagesOnTheWay)
 {
+    m_checkingAhead = false;  // the line is told anew
     m_shownHint = int(Hint::None);
     m_wantedHint = int(Hint::None);
     m_wantedFrames = 0;

@@ -38,6 +38,14 @@ VextilFaceDetector::~VextilFaceDetector() = default;
 
 void VextilFaceDetector::setStreamMode(bool stream) { m_streamMode = stream; }
 
+void VextilFaceDetector::setFacesFoundHandler(FacesFoundHandler handler) { m_facesFound = std::move(handler); }
+
+void VextilFaceDetector::facesFound(const QList<VextilFaceFeature> &faces) const
+{
+    if (m_facesFound)
+        m_facesFound(faces);
+}
+
 void VextilFaceDetector::setPreferredKind(VextilFaceDetectorKind kind) { preferred = kind; }
 VextilFaceDetectorKind VextilFaceDetector::preferredKind() { return preferred; }
 

@@ -76,6 +76,16 @@ QList<VextilFaceFeature> VextilLearnedFaceDetector::fullPass(const QImage &image
     QList<VextilFaceFeature> features;
     m_tracked.reset();
     const QList<VextilBlazeFace::Face> found = m_faces.detect(image);
+    // The expression network takes as long again: whoever waits for the faces hears first.
+    QList<VextilFaceFeature> unjudged;
+    for (const VextilBlazeFace::Face &face : found) {
+        VextilFaceFeature early = feature({face, 0, false}, image);
+        early.hasSmile = false;
+        early.smileScore.reset();
+        unjudged.append(early);
+    }
+    if (!unjudged.isEmpty())
+        facesFound(unjudged);
     for (const VextilBlazeFace::Face &face : found) {
         const Tracked judged{face, smile(image, face), false};
         if (found.size() == 1)

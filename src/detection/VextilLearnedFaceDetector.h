@@ -18,7 +18,8 @@
 /// finds the face and keeps the smile judged on the frame before, the next judges the smile on
 /// the face found the frame before. Each answer is at most one frame old, for half the work.
 /// Any other image (another scene, size or number of faces, or a face that moved away) gets
-/// both networks, and so does every image in still mode.
+/// both networks, and so does every image in still mode; there the faces found are handed to
+/// the faces-found handler before the expression network runs.
 class VextilLearnedFaceDetector : public VextilFaceDetector {
 public:
     /// The default smile threshold, in log-odds: "happy" at least twice as likely as all

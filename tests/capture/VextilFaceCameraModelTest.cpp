@@ -162,6 +162,57 @@ TEST_F(FaceCameraModelTest, TheScreenHearsOfAKeptImageBeforeTheWholePictureIsMad
     EXPECT_EQ(neutralCount(), 5) << "every picture made is kept";
 }
 
+TEST_F(FaceCameraModelTest, AReadyFaceIsAnnouncedWhileItsSmileIsStillBeingJudged)
+{
+    // The detector finds faces first and judges smiles after, as long again: what the screen
+    // has heard by the time the smile is being judged.
+    detector->announceFaces = true;
+    QStringList heard;
+    detector->duringDetection = [&] { heard = delegate.texts(); };
+
+    feed(0, Face::Far);
+    EXPECT_TRUE(heard.isEmpty()) << "a face too far away is not being checked";
+    feed(0.1, Face::None);
+    feed(0.2, Face::None);
+    delegate.clear();
+    feed(0.3, Face::Neutral);
+    EXPECT_EQ(heard, QStringList{"Checking your face"});
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateCollectingFaces);
+    EXPECT_EQ(neutralCount(), 1);
+    EXPECT_EQ(delegate.count("progress:0.2"), 1);
+
+    // Collecting already: a new frame announces nothing more.
+    delegate.clear();
+    feed(1.3, Face::Neutral);
+    EXPECT_TRUE(heard.isEmpty());
+    EXPECT_EQ(neutralCount(), 2);
+}
+
+TEST_F(FaceCameraModelTest, AFaceAnnouncedAheadThatSmilesIsAskedToRelaxAndOnlyOnce)
+{
+    detector->announceFaces = true;
+    feed(0, Face::Smiling);
+    EXPECT_EQ(delegate.texts(), (QStringList{"Checking your face", "Relax your face"}));
+    EXPECT_EQ(neutralCount(), 0) << "a smile is never a neutral image";
+
+    delegate.clear();
+    feed(0.1, Face::Smiling);
+    feed(0.2, Face::Smiling);
+    EXPECT_TRUE(delegate.texts().isEmpty()) << "while asked to relax, no face is announced ahead";
+}
+
+TEST_F(FaceCameraModelTest, AnAnnouncementTheFrameDoesNotBearOutIsTakenBack)
+{
+    // A ready face found first, then a face too far away in the detector's answer (which
+    // changes nothing yet): the line says again what it said before.
+    detector->announceFaces = true;
+    detector->foundFirst = QList<VextilFaceFeature>{{kFaceBox, false}};
+    feed(0, Face::Far);
+    EXPECT_EQ(delegate.texts(), (QStringList{"Checking your face", "Looking for face"}));
+    EXPECT_EQ(model.currentState(), VextilFaceCaptureStateLookingForFace);
+    EXPECT_EQ(neutralCount(), 0);
+}
+
 TEST_F(FaceCameraModelTest, NearEnoughIsStrictlyBetweenFortyAndEightyThreePercentOfTheView)
 {
     const auto nearEnough = [&](double width) { return model.isFaceNearEnough({QRectF(0, 0, width, width), false}, image); };

@@ -158,6 +158,45 @@ TEST(LearnedFaceDetector, InStreamModeTheNetworksTakeTurnsAndInStillModeEveryAns
     EXPECT_EQ(stillDifferent, 0) << "a detector in still mode answers about each image alone";
 }
 
+TEST(LearnedFaceDetector, HandsOverTheFacesItFindsBeforeJudgingTheirSmiles)
+{
+    // Every image that gets both networks announces its faces first: where they are, their
+    // smiles not yet judged. The frames whose networks take turns announce nothing.
+    VextilVideoFileReader clip;
+    ASSERT_TRUE(clip.open(QStringLiteral(VEXTIL_SELFIE_CLIP)));
+    VextilLearnedFaceDetector detector;
+    detector.setStreamMode(true);
+    QList<VextilFaceFeature> announced;
+    int announcements = 0;
+    detector.setFacesFoundHandler([&](const QList<VextilFaceFeature> &faces) {
+        announced = faces;
+        ++announcements;
+    });
+    int facesSeen = 0;
+    for (auto frame = clip.readFrame(); frame; frame = clip.readFrame()) {
+        SCOPED_TRACE(frame->index);
+        const int before = announcements;
+        const QList<VextilFaceFeature> answer = detector.featuresInImage(frame->image);
+        if (answer.isEmpty()) {
+            EXPECT_EQ(announcements, before) << "nothing found, nothing announced";
+            continue;
+        }
+        if (facesSeen++ == 0) {
+            ASSERT_EQ(announcements, before + 1) << "the first face gets both networks";
+        }
+        if (announcements == before)
+            continue;
+        ASSERT_EQ(announced.size(), answer.size());
+        EXPECT_EQ(announced[0].bounds, answer[0].bounds);
+        EXPECT_EQ(announced[0].keyPoints, answer[0].keyPoints);
+        EXPECT_FALSE(announced[0].hasSmile);
+        EXPECT_FALSE(announced[0].smileScore.has_value()) << "the smile is judged after";
+        EXPECT_TRUE(answer[0].smileScore.has_value());
+    }
+    EXPECT_GT(facesSeen, 100);
+    EXPECT_LT(announcements, facesSeen / 4) << "the networks take turns on a steady face";
+}
+
 TEST(LearnedFaceDetector, IsTheDefaultFallsBackToTheCascadeWithOneWarningAndCanBeSetAside)
 {
     EXPECT_NE(std::dynamic_pointer_cast<VextilLearnedFaceDetector>(VextilFaceDetector::createDefault()), nullptr);
