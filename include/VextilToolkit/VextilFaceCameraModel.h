@@ -150,8 +150,8 @@ private:
     std::atomic<int> m_wantedHint{0};
     std::atomic<int> m_wantedFrames{0};
     std::atomic<quint64> m_currentState{VextilFaceCaptureStateLookingForFace};
-    // Capture thread only: the frame being detected, and whether "Checking your face" went out
-    // for it before its smile was judged.
+    // The frame being detected (capture thread only), and whether "Checking your face" went out
+    // for it before its smile was judged (a reset on another thread clears it).
     const QImage *m_analysed = nullptr;
-    bool m_checkingAhead = false;
+    std::atomic<bool> m_checkingAhead{false};
 };

@@ -77,7 +77,7 @@ void VextilFaceCameraModel::processFace(const QImage &image, const std::function
     // The guard covers detection only, not the state logic that follows.
     m_isProcessing = false;
     judge(image, features, keep);
-    if (std::exchange(m_checkingAhead, false))
+    if (m_checkingAhead.exchange(false))
         takeBackCheckingAhead();
 }
 
