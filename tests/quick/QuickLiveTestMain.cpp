@@ -38,6 +38,8 @@ public Q_SLOTS:
         engine->rootContext()->setContextProperty(QStringLiteral("fakeCamera"), &m_camera);
     }
 
+    void cleanupTestCase() { FakeCamera::endParkedThreads(); }
+
 private:
     FakeCameraState m_camera;
 };

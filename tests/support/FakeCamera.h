@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDir>
 #include <QFile>
 #include <QString>
 #include <QTemporaryDir>
+
+#include <glib.h>
 
 // Sets up the GStreamer fake camera (tools/fake-camera) for this process: what it films, in
 // which formats and sizes, and how it fails. Call before the first use of Qt Multimedia: the
@@ -38,6 +41,30 @@ struct FakeCamera {
     }
     // The user allows the camera: a camera with the fault "until-granted" opens from now on.
     static void grant() { qputenv("VEXTIL_FAKE_CAMERA_GRANTED", "1"); }
+    // GStreamer's streaming threads outlive their pipelines, parked in GLib's thread pools, and
+    // end on their own up to seconds later. One that ends while the process exits races the leak
+    // checker of sanitized builds (its thread-stopping tracer crashes), so a test binary lets
+    // them go before it returns: with no idle thread kept, each ends within half a second.
+    static void endParkedThreads()
+    {
+        g_thread_pool_set_max_unused_threads(0);
+        for (int waitedMs = 0; waitedMs < 3000; waitedMs += 10) {
+            g_thread_pool_stop_unused_threads();
+            if (g_thread_pool_get_num_unused_threads() == 0 && streamingThreads() == 0)
+                return;
+            g_usleep(10 * 1000);
+        }
+    }
+    // Threads named after a pad ("element:pad"), as GStreamer names the ones it streams on.
+    static int streamingThreads()
+    {
+        int count = 0;
+        for (const QString &task : QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            QFile name(QStringLiteral("/proc/self/task/%1/comm").arg(task));
+            count += name.open(QIODevice::ReadOnly) && name.readAll().contains(':');
+        }
+        return count;
+    }
     // How often a camera has been started since install(), whether it opened or not.
     static int opens()
     {

@@ -17,6 +17,12 @@
 
 namespace {
 
+// The camera's streaming threads go before the binary returns (see FakeCamera).
+class ParkedThreadsEnd : public ::testing::Environment {
+    void TearDown() override { FakeCamera::endParkedThreads(); }
+};
+const auto *const kParkedThreadsEnd = ::testing::AddGlobalTestEnvironment(new ParkedThreadsEnd);
+
 class LiveCameraFlow : public ::testing::Test {
 protected:
     void SetUp() override
