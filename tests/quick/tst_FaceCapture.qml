@@ -429,8 +429,8 @@ Item {
             capture.presentTutorial = true
             capture.requestFace()
             verify(portrait.held(), "not held under the tutorial")
-            tap(findButton(capture, "OK, I got it"))  // the tips cover the bar
-            wait(300)
+            tap(findButton(capture, "OK, I got it"))  // the tips cover the bar until they have gone
+            tryVerify(() => !capture.cameraScreen.session.tutorialShown, 3000)
             tap(findButton(capture, "Back"))
             finished.wait(3000)
             verify(!portrait.held(), "the host's orientation was not given back")
