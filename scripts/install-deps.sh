@@ -8,6 +8,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev
   libqt6svg6 qt6-qpa-plugins
   libopencv-dev opencv-data
+  libavformat-dev libavcodec-dev libavutil-dev libswscale-dev
   libgtest-dev libgmock-dev
   libssl-dev libcpp-httplib-dev openssl util-linux mount
   clang libclang-rt-14-dev

@@ -29,6 +29,9 @@ public:
     /// Enters stream mode (true) or still mode (false). Detectors that never reuse work across
     /// images may ignore it.
     virtual void setStreamMode(bool stream);
+    /// Lets go of working memory that the next featuresInImage() can build again (a learned
+    /// detector's networks), once a capture has ended; called on the capture thread. Default: nothing.
+    virtual void releaseResources();
     /// Whether setStreamMode(true) was called last.
     bool isStreamMode() const { return m_streamMode; }
 

@@ -2,9 +2,39 @@
 
 #include <QTransform>
 
+#include <opencv2/imgproc.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
+
+namespace {
+
+// Even, so that every band starts on the chroma row the whole region would start it on.
+constexpr int kBandRows = 64;
+
+// The region converted a band of rows at a time, each band narrowed to three bytes as it comes:
+// the picture is never held at four bytes a pixel, which at its moment of keeping would cost a
+// third more than the picture itself. Null when the source gives a band other than asked for.
+QImage keptInBands(const VextilCameraFrame &frame, QRect region)
+{
+    QImage picture(region.size(), QImage::Format_RGB888);
+    if (picture.isNull())
+        return {};
+    for (int top = 0; top < region.height(); top += kBandRows) {
+        const QRect band(region.x(), region.y() + top, region.width(), std::min(kBandRows, region.height() - top));
+        const QImage rows = frame.scaledRegion(band, band.size());
+        if (rows.size() != band.size() || rows.format() != QImage::Format_RGB32)
+            return {};
+        const cv::Mat from(rows.height(), rows.width(), CV_8UC4, const_cast<uchar *>(rows.constBits()),
+                           size_t(rows.bytesPerLine()));
+        cv::Mat to(rows.height(), rows.width(), CV_8UC3, picture.scanLine(top), size_t(picture.bytesPerLine()));
+        cv::cvtColor(from, to, cv::COLOR_BGRA2RGB);
+    }
+    return picture;
+}
+
+}  // namespace
 
 QRect VextilUprightFrame::visibleRegion(QSize upright, QSizeF viewSize)
 {
@@ -52,6 +82,10 @@ QImage VextilUprightFrame::image(const VextilCameraFrame &frame, QSizeF viewSize
 
 QImage VextilUprightFrame::kept(const VextilCameraFrame &frame, QSizeF viewSize)
 {
+    if (!frame.isNull() && frame.rotation() == 0) {
+        if (QImage picture = keptInBands(frame, visibleRegion(frame.size(), viewSize)); !picture.isNull())
+            return picture;
+    }
     QImage picture = image(frame, viewSize);
     // In place where the picture is the only copy: its buffer shrinks, nothing is copied.
     picture.convertTo(QImage::Format_RGB888);

@@ -1,124 +1,201 @@
 #include "camera/VextilVideoDecoder.h"
 
+#include <QFile>
 #include <QFileInfo>
 
-#include <opencv2/imgproc.hpp>
-#include <opencv2/videoio/registry.hpp>
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/display.h>
+}
+
+#include <cmath>
+#include <mutex>
+
+struct VextilVideoDecoder::Codec {
+    AVFormatContext *format = nullptr;
+    AVCodecContext *context = nullptr;
+    AVPacket *packet = nullptr;
+    int stream = -1;
+
+    ~Codec()
+    {
+        av_packet_free(&packet);
+        avcodec_free_context(&context);
+        avformat_close_input(&format);
+    }
+};
 
 namespace {
 
-// Blue, green, red (or grey) into the four bytes of Format_RGB32; `to` has its size already.
-void toBgrx(const cv::Mat &from, cv::Mat &to)
+QString avError(int code)
 {
-    if (from.channels() == 4)
-        from.copyTo(to);
-    else
-        cv::cvtColor(from, to, from.channels() == 1 ? cv::COLOR_GRAY2BGRA : cv::COLOR_BGR2BGRA);
+    char text[AV_ERROR_MAX_STRING_SIZE] = {};
+    av_strerror(code, text, sizeof text);
+    return QString::fromUtf8(text);
 }
 
-QImage converted(const cv::Mat &from)
+// FFmpeg writes its complaints about a damaged file to standard error unless told otherwise,
+// and the toolkit writes no log. A host that chose a level of its own keeps it.
+void quietenCodecLog()
 {
-    QImage image(from.cols, from.rows, QImage::Format_RGB32);
-    if (image.isNull())
-        return {};
-    cv::Mat to(image.height(), image.width(), CV_8UC4, image.bits(), size_t(image.bytesPerLine()));
-    toBgrx(from, to);
-    return image;
+    static std::once_flag once;
+    std::call_once(once, [] {
+        if (av_log_get_level() == AV_LOG_INFO)
+            av_log_set_level(AV_LOG_QUIET);
+    });
 }
 
-// A buffer only the decoder holds: every frame over it has gone.
-bool isFree(const cv::Mat &buffer) { return !buffer.u || __atomic_load_n(&buffer.u->refcount, __ATOMIC_ACQUIRE) == 1; }
+// The clockwise quarter turn that the file's display matrix asks for (a phone's recording).
+int uprightTurn(const AVStream &stream)
+{
+    size_t size = 0;
+    const uint8_t *matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
+    if (!matrix || size < 9 * sizeof(int32_t))
+        return 0;
+    const double counterClockwise = av_display_rotation_get(reinterpret_cast<const int32_t *>(matrix));
+    if (!std::isfinite(counterClockwise))
+        return 0;
+    return ((-int(std::lround(counterClockwise / 90.0)) * 90) % 360 + 360) % 360;
+}
+
+double statedRate(const AVStream &stream)
+{
+    for (const AVRational rate : {stream.avg_frame_rate, stream.r_frame_rate})
+        if (rate.num > 0 && rate.den > 0)
+            return av_q2d(rate);
+    return 15.0;
+}
+
+int statedFrames(const AVFormatContext &format, const AVStream &stream, double fps)
+{
+    if (stream.nb_frames > 0)
+        return int(std::min<int64_t>(stream.nb_frames, INT32_MAX));
+    double seconds = 0;
+    if (stream.duration > 0)
+        seconds = double(stream.duration) * av_q2d(stream.time_base);
+    else if (format.duration > 0)
+        seconds = double(format.duration) / AV_TIME_BASE;
+    return int(std::min(std::floor(seconds * fps + 0.5), double(INT32_MAX)));
+}
 
 }  // namespace
 
+VextilVideoDecoder::VextilVideoDecoder() = default;
+VextilVideoDecoder::~VextilVideoDecoder() = default;
+
+bool VextilVideoDecoder::isOpen() const { return m_codec != nullptr; }
+
 bool VextilVideoDecoder::open(const QString &path)
 {
-    m_capture.release();
-    m_nextIndex = 0;
+    m_codec.reset();
+    m_path = path;
     m_error.clear();
+    m_nextIndex = m_frameCount = m_rotation = 0;
+    m_fps = 15.0;
+    m_draining = false;
     if (!QFileInfo(path).isFile()) {
         m_error = QStringLiteral("no such video file: %1").arg(path);
         return false;
     }
-    // FFmpeg wherever OpenCV has it: asked for "any" backend, OpenCV would also try a file it
-    // cannot decode as an image-sequence pattern and probe camera backends with it.
-    const int backend = cv::videoio_registry::hasBackend(cv::CAP_FFMPEG) ? cv::CAP_FFMPEG : cv::CAP_ANY;
-    bool opened = false;
-    try {
-        opened = m_capture.open(path.toStdString(), backend);
-    } catch (const cv::Exception &) {
-        opened = false;  // reported below like any file the decoder cannot read
-    }
-    if (!opened) {
-        m_capture.release();
-        m_error = QStringLiteral("cannot decode video file: %1").arg(path);
+    quietenCodecLog();
+    auto codec = std::make_unique<Codec>();
+    const QString cannot = QStringLiteral("cannot decode video file: %1").arg(path);
+    if (avformat_open_input(&codec->format, QFile::encodeName(path).constData(), nullptr, nullptr) < 0
+        || avformat_find_stream_info(codec->format, nullptr) < 0) {
+        m_error = cannot;
         return false;
     }
-    const double stated = m_capture.get(cv::CAP_PROP_FPS);
-    m_fps = stated > 0 ? stated : 15.0;
+    const AVCodec *decoder = nullptr;
+    codec->stream = av_find_best_stream(codec->format, AVMEDIA_TYPE_VIDEO, -1, -1, &decoder, 0);
+    if (codec->stream < 0 || !decoder) {
+        m_error = cannot;
+        return false;
+    }
+    const AVStream &stream = *codec->format->streams[codec->stream];
+    codec->context = avcodec_alloc_context3(decoder);
+    codec->packet = av_packet_alloc();
+    if (!codec->context || !codec->packet || avcodec_parameters_to_context(codec->context, stream.codecpar) < 0
+        || stream.codecpar->width <= 0 || stream.codecpar->height <= 0) {
+        m_error = cannot;
+        return false;
+    }
+    // Slices, not frames, in parallel: every frame thread would hold pictures of its own.
+    codec->context->thread_type = FF_THREAD_SLICE;
+    codec->context->thread_count = 0;
+    if (avcodec_open2(codec->context, decoder, nullptr) < 0) {
+        m_error = cannot;
+        return false;
+    }
+    m_fps = statedRate(stream);
+    m_frameCount = statedFrames(*codec->format, stream, m_fps);
+    m_rotation = uprightTurn(stream);
+    m_codec = std::move(codec);
     return true;
 }
-
-int VextilVideoDecoder::frameCount() const { return isOpen() ? qMax(0, int(m_capture.get(cv::CAP_PROP_FRAME_COUNT))) : 0; }
 
 QSize VextilVideoDecoder::frameSize() const
 {
     if (!isOpen())
         return {};
-    return {int(m_capture.get(cv::CAP_PROP_FRAME_WIDTH)), int(m_capture.get(cv::CAP_PROP_FRAME_HEIGHT))};
-}
-
-cv::Mat &VextilVideoDecoder::freeBuffer()
-{
-    for (cv::Mat &buffer : m_buffers)
-        if (isFree(buffer))
-            return buffer;
-    m_spare = cv::Mat();  // its earlier frame keeps its own pixels
-    return m_spare;
+    const AVCodecParameters &parameters = *m_codec->format->streams[m_codec->stream]->codecpar;
+    const QSize stored(parameters.width, parameters.height);
+    return m_rotation % 180 ? stored.transposed() : stored;
 }
 
 std::optional<VextilVideoDecoder::Frame> VextilVideoDecoder::read()
 {
-    if (!isOpen())
+    Frame frame;
+    if (!isOpen() || !receive(frame))
         return std::nullopt;
-    cv::Mat &buffer = freeBuffer();
-    try {
-        if (!m_capture.read(buffer) || buffer.empty())
-            return std::nullopt;
-    } catch (const cv::Exception &e) {
-        // A damaged frame can make the decoder hand OpenCV an impossible picture: the file
-        // ends there.
-        m_error = QStringLiteral("damaged video frame %1: %2").arg(m_nextIndex).arg(QString::fromStdString(e.msg));
-        m_capture.release();
-        return std::nullopt;
+    frame.index = m_nextIndex++;
+    frame.seconds = frame.index / m_fps;
+    return frame;
+}
+
+bool VextilVideoDecoder::receive(Frame &frame)
+{
+    Codec &codec = *m_codec;
+    std::shared_ptr<AVFrame> picture(av_frame_alloc(), [](AVFrame *f) { av_frame_free(&f); });
+    if (!picture) {
+        fail(QStringLiteral("out of memory"));
+        return false;
     }
-    const int index = m_nextIndex++;
-    return Frame{buffer, index, index / m_fps};
+    for (;;) {
+        const int received = avcodec_receive_frame(codec.context, picture.get());
+        if (received == 0 && picture->width > 0 && picture->height > 0) {
+            frame.picture = VextilDecodedPicture(std::move(picture), m_rotation);
+            return true;
+        }
+        if (received == AVERROR_EOF || (received == AVERROR(EAGAIN) && m_draining))
+            return false;
+        if (received != 0 && received != AVERROR(EAGAIN)) {
+            fail(avError(received));
+            return false;
+        }
+        int read = 0;
+        while ((read = av_read_frame(codec.format, codec.packet)) >= 0 && codec.packet->stream_index != codec.stream)
+            av_packet_unref(codec.packet);
+        if (read < 0) {
+            // The end of the file (or of what can be read of it): what the codec still holds comes out.
+            m_draining = true;
+            avcodec_send_packet(codec.context, nullptr);
+            continue;
+        }
+        const int sent = avcodec_send_packet(codec.context, codec.packet);
+        av_packet_unref(codec.packet);
+        if (sent < 0 && sent != AVERROR(EAGAIN)) {
+            fail(avError(sent));
+            return false;
+        }
+    }
 }
 
-bool VextilVideoDecoder::rewind()
+void VextilVideoDecoder::fail(const QString &why)
 {
-    m_nextIndex = 0;
-    return isOpen() && m_capture.set(cv::CAP_PROP_POS_FRAMES, 0);
+    // The file ends at a frame it cannot decode, as a camera that stops does.
+    m_error = QStringLiteral("damaged video frame %1: %2").arg(m_nextIndex).arg(why);
+    m_codec.reset();
 }
 
-QImage VextilVideoDecoder::image(const cv::Mat &pixels) { return converted(pixels); }
-
-VextilCameraFrame VextilVideoDecoder::cameraFrame(const cv::Mat &pixels)
-{
-    const auto region = [pixels](QRect region, QSize size) -> QImage {
-        const QRect inside = region & QRect(0, 0, pixels.cols, pixels.rows);
-        if (inside.isEmpty())
-            return {};
-        const cv::Mat part = pixels(cv::Rect(inside.x(), inside.y(), inside.width(), inside.height()));
-        if (inside.size() == size)
-            return converted(part);
-        // Scaled first, then widened to four bytes: OpenCV scales each channel alike in integers,
-        // so the result is the one the whole image would give, for a fraction of the conversion.
-        // The scaled copy's buffer stays with the thread (the capture's), as the camera's do.
-        thread_local cv::Mat scaled;
-        cv::resize(part, scaled, cv::Size(size.width(), size.height()), 0, 0, cv::INTER_LINEAR);
-        return converted(scaled);
-    };
-    return VextilCameraFrame(QSize(pixels.cols, pixels.rows), [pixels] { return converted(pixels); }, region);
-}
+bool VextilVideoDecoder::rewind() { return isOpen() && open(m_path); }

@@ -2,6 +2,8 @@
 
 #include "camera/VextilVideoDecoder.h"
 
+#include <QTransform>
+
 struct VextilVideoFileReader::Private {
     VextilVideoDecoder decoder;
 };
@@ -21,9 +23,11 @@ std::optional<VextilVideoFileFrame> VextilVideoFileReader::readFrame()
     const auto frame = d->decoder.read();
     if (!frame)
         return std::nullopt;
-    // Decoders give blue, green, red: the fourth byte a camera frame has is added as the
-    // pixels go into the image, so that both sources yield identical images.
-    return VextilVideoFileFrame{VextilVideoDecoder::image(frame->pixels), frame->index, frame->seconds};
+    // Upright, as the file asks it to be shown (a phone's recording may be stored on its side).
+    QImage image = frame->picture.image();
+    if (const int turn = frame->picture.rotation(); turn && !image.isNull())
+        image = image.transformed(QTransform().rotate(turn));
+    return VextilVideoFileFrame{image, frame->index, frame->seconds};
 }
 
 bool VextilVideoFileReader::rewind() { return d->decoder.rewind(); }

@@ -35,7 +35,7 @@ void VextilVideoFileSource::play()
     }
     // Paced by the file's timestamps against a steady clock, as a camera delivers in real time.
     // Each frame is decoded when its time comes rather than ahead of it: the one before is then
-    // usually analysed already, and its buffer decodes this one.
+    // usually analysed already, and the codec decodes this one into its buffer.
     auto started = std::chrono::steady_clock::now();
     while (m_running) {
         std::this_thread::sleep_until(started + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
@@ -50,7 +50,7 @@ void VextilVideoFileSource::play()
             continue;
         }
         // As a camera's: converted only as far as the capture takes the frame.
-        deliver(VextilVideoDecoder::cameraFrame(frame->pixels));
+        deliver(frame->picture.cameraFrame());
     }
     m_running = false;
 }

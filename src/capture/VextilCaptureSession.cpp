@@ -294,6 +294,19 @@ void VextilCaptureSession::denied()
     Q_EMIT permissionDenied();
 }
 
+void VextilCaptureSession::releaseDetector()
+{
+    if (!m_captureQueue || !m_model)
+        return;
+    // On the capture thread, after any frame still being judged: the review and the upload
+    // that follow need the networks' memory less than a retake needs them at once.
+    m_captureQueue->dispatch([detector = m_model->faceDetector()] {
+        if (detector)
+            detector->releaseResources();
+        giveBackFreedPages();
+    });
+}
+
 void VextilCaptureSession::finish(bool success)
 {
     if (success && m_completedNs == 0)
@@ -303,6 +316,7 @@ void VextilCaptureSession::finish(bool success)
         stopSource();
         if (m_model)
             m_model->resetState();
+        releaseDetector();
         Q_EMIT finished(success);
     });
 }

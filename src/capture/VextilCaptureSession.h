@@ -103,6 +103,7 @@ Q_SIGNALS:
 
 private:
     void denied();
+    void releaseDetector();
     void applicationStateChanged(Qt::ApplicationState state);
     void captureOutput(const VextilCameraFrame &frame);
     void startSource();

@@ -38,6 +38,8 @@ VextilFaceDetector::~VextilFaceDetector() = default;
 
 void VextilFaceDetector::setStreamMode(bool stream) { m_streamMode = stream; }
 
+void VextilFaceDetector::releaseResources() {}
+
 void VextilFaceDetector::setFacesFoundHandler(FacesFoundHandler handler) { m_facesFound = std::move(handler); }
 
 void VextilFaceDetector::facesFound(const QList<VextilFaceFeature> &faces) const

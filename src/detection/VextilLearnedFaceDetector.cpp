@@ -8,12 +8,47 @@
 
 Q_DECLARE_LOGGING_CATEGORY(lcVextilDetector)  // defined with the cascade detector
 
-VextilLearnedFaceDetector::VextilLearnedFaceDetector(float smileThreshold) : m_smileThreshold(smileThreshold) {}
+struct VextilLearnedFaceDetector::Networks {
+    VextilBlazeFace faces;
+    VextilGreyExpressionNet expressions;
+
+    QString errorString() const { return !faces.isLoaded() ? faces.errorString() : expressions.errorString(); }
+};
+
+VextilLearnedFaceDetector::VextilLearnedFaceDetector(float smileThreshold)
+    : m_load([] { return std::make_unique<Networks>(); }), m_smileThreshold(smileThreshold)
+{
+    networks();
+}
 
 VextilLearnedFaceDetector::VextilLearnedFaceDetector(const QString &faceModel, const QString &expressionModel,
                                                      const QString &expressionWeights, float smileThreshold)
-    : m_faces(faceModel), m_expressions(expressionModel, expressionWeights), m_smileThreshold(smileThreshold)
+    : m_load([=] {
+          return std::unique_ptr<Networks>(
+              new Networks{VextilBlazeFace(faceModel), VextilGreyExpressionNet(expressionModel, expressionWeights)});
+      }),
+      m_smileThreshold(smileThreshold)
 {
+    networks();
+}
+
+VextilLearnedFaceDetector::~VextilLearnedFaceDetector() = default;
+
+VextilLearnedFaceDetector::Networks *VextilLearnedFaceDetector::networks()
+{
+    if (!m_networks && m_error.isEmpty()) {
+        m_networks = m_load();
+        m_error = m_networks->errorString();
+        if (!m_error.isEmpty())
+            m_networks.reset();
+    }
+    return m_networks.get();
+}
+
+void VextilLearnedFaceDetector::releaseResources()
+{
+    m_networks.reset();
+    m_tracked.reset();
 }
 
 std::shared_ptr<VextilFaceDetector> VextilLearnedFaceDetector::createOrFallBack(std::shared_ptr<VextilLearnedFaceDetector> learned)
@@ -25,22 +60,19 @@ std::shared_ptr<VextilFaceDetector> VextilLearnedFaceDetector::createOrFallBack(
     return std::make_shared<VextilCascadeFaceDetector>();
 }
 
-QString VextilLearnedFaceDetector::errorString() const
-{
-    return !m_faces.isLoaded() ? m_faces.errorString() : m_expressions.errorString();
-}
-
 QList<float> VextilLearnedFaceDetector::smileScores(const QImage &image)
 {
     QList<float> scores;
-    for (const VextilBlazeFace::Face &face : m_faces.detect(image))
+    if (!networks())
+        return scores;
+    for (const VextilBlazeFace::Face &face : m_networks->faces.detect(image))
         scores.append(smile(image, face));
     return scores;
 }
 
 float VextilLearnedFaceDetector::smile(const QImage &image, const VextilBlazeFace::Face &face)
 {
-    return m_expressions.smileLogOdds(image, face.bounds);
+    return m_networks->expressions.smileLogOdds(image, face.bounds);
 }
 
 QRectF VextilLearnedFaceDetector::faceBounds(const VextilBlazeFace::Face &face)
@@ -55,6 +87,8 @@ QRectF VextilLearnedFaceDetector::faceBounds(const VextilBlazeFace::Face &face)
 
 QList<VextilFaceFeature> VextilLearnedFaceDetector::featuresInImage(const QImage &image)
 {
+    if (!networks())
+        return {};
     if (!isStreamMode() || !m_scene.continues(image) || !m_tracked)
         return fullPass(image);
     if (m_tracked->boxIsNewer) {
@@ -62,7 +96,7 @@ QList<VextilFaceFeature> VextilLearnedFaceDetector::featuresInImage(const QImage
         m_tracked->boxIsNewer = false;
         return {feature(*m_tracked, image)};
     }
-    const QList<VextilBlazeFace::Face> found = m_faces.detect(image);
+    const QList<VextilBlazeFace::Face> found = m_networks->faces.detect(image);
     // The same single face, still overlapping itself: its smile is judged on the next frame.
     if (found.size() != 1 || !found[0].bounds.intersects(m_tracked->face.bounds))
         return fullPass(image);
@@ -75,7 +109,7 @@ QList<VextilFaceFeature> VextilLearnedFaceDetector::fullPass(const QImage &image
 {
     QList<VextilFaceFeature> features;
     m_tracked.reset();
-    const QList<VextilBlazeFace::Face> found = m_faces.detect(image);
+    const QList<VextilBlazeFace::Face> found = m_networks->faces.detect(image);
     // The expression network takes as long again: whoever waits for the faces hears first.
     QList<VextilFaceFeature> unjudged;
     for (const VextilBlazeFace::Face &face : found) {

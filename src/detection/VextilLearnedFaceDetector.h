@@ -6,6 +6,8 @@
 #include "detection/VextilGreyExpressionNet.h"
 #include "detection/VextilSceneContinuity.h"
 
+#include <functional>
+#include <memory>
 #include <optional>
 
 /// Face and smile detector on two learned networks: faces from BlazeFace (see VextilBlazeFace),
@@ -35,13 +37,17 @@ public:
 
     /// `learned` when its networks loaded; otherwise the cascade detector, after one warning.
     static std::shared_ptr<VextilFaceDetector> createOrFallBack(std::shared_ptr<VextilLearnedFaceDetector> learned);
+    ~VextilLearnedFaceDetector() override;
 
     QList<VextilFaceFeature> featuresInImage(const QImage &image) override;
+    /// Lets both networks go (their weights and layer outputs, some 7 MiB); the next image loads
+    /// them again, as the constructor did.
+    void releaseResources() override;
 
     /// Whether both networks were loaded.
-    bool isLoaded() const { return m_faces.isLoaded() && m_expressions.isLoaded(); }
+    bool isLoaded() const { return m_error.isEmpty(); }
     /// Why loading failed; empty when both networks loaded.
-    QString errorString() const;
+    QString errorString() const { return m_error; }
     /// A face's bounds as face detectors usually report them, forehead to chin: a square 2.5
     /// times the mean of the eye-to-eye and eyes-to-mouth distances, centred between the eyes
     /// and the mouth and raised by a tenth of its side. Unlike BlazeFace's own box, it follows
@@ -57,12 +63,16 @@ private:
         float smile = 0;  // log-odds
         bool boxIsNewer = false;  // found after its smile was judged
     };
+    struct Networks;
+    // The networks, loaded again after a release; null when they cannot be.
+    Networks *networks();
     float smile(const QImage &image, const VextilBlazeFace::Face &face);
     VextilFaceFeature feature(const Tracked &tracked, const QImage &image) const;
     QList<VextilFaceFeature> fullPass(const QImage &image);
 
-    VextilBlazeFace m_faces;
-    VextilGreyExpressionNet m_expressions;
+    std::function<std::unique_ptr<Networks>()> m_load;
+    std::unique_ptr<Networks> m_networks;
+    QString m_error;
     float m_smileThreshold;
     VextilSceneContinuity m_scene;
     std::optional<Tracked> m_tracked;

@@ -62,6 +62,36 @@ TEST(UprightFrame, AKeptPictureIsTheSamePictureInThreeBytesAPixel)
     }
 }
 
+TEST(UprightFrame, AKeptPictureIsMadeFromBandsOfTheFrameNeverWhole)
+{
+    // At the moment a picture is kept, a four-byte copy of it would cost a third more than the
+    // picture: a frame that converts regions is asked for a few rows at a time.
+    const QImage scene = quarters(QSize(720, 1280));
+    const QSizeF phone(390, 741);
+    std::atomic<int> largestRows{0};
+    const VextilCameraFrame frame(
+        scene.size(), [&] { return scene; },
+        [&](QRect region, QSize size) {
+            largestRows = std::max(largestRows.load(), region.height());
+            return scene.copy(region).scaled(size);
+        });
+    const QImage kept = VextilUprightFrame::kept(frame, phone);
+    EXPECT_EQ(kept.format(), QImage::Format_RGB888);
+    EXPECT_EQ(kept.convertToFormat(QImage::Format_RGB32), VextilUprightFrame::image(VextilCameraFrame(scene), phone));
+    EXPECT_GT(largestRows, 0);
+    EXPECT_LE(largestRows, 64);
+
+    // A source that gives even rows only (as YUV with 2x2 chroma does), and an odd number of rows
+    // in view: the picture is made whole, as that source makes it.
+    const VextilCameraFrame evenRows(
+        scene.size(), [&] { return scene; },
+        [&](QRect region, QSize size) { return scene.copy(region).scaled(size.width(), size.height() & ~1); });
+    const QSizeF shortView(390, 618);
+    ASSERT_EQ(VextilUprightFrame::visibleRegion(scene.size(), shortView).height() % 2, 1);
+    const QImage whole = VextilUprightFrame::image(evenRows, shortView);
+    EXPECT_EQ(VextilUprightFrame::kept(evenRows, shortView).convertToFormat(QImage::Format_RGB32), whole);
+}
+
 TEST(UprightFrame, TheVisibleRegionIsTheMiddleAtTheViewsAspect)
 {
     EXPECT_EQ(VextilUprightFrame::visibleRegion(QSize(1280, 720), QSizeF(390, 618)), QRect(413, 0, 454, 720));

@@ -120,6 +120,25 @@ TEST(LearnedFaceDetector, FindsEveryFaceAndTellsEveryClearSmileFromEveryNeutralF
     }
 }
 
+TEST(LearnedFaceDetector, AnswersAlikeAfterLettingItsNetworksGo)
+{
+    // Between a capture and a retake the networks are let go; the next image loads them again.
+    VextilLearnedFaceDetector detector;
+    ASSERT_TRUE(detector.isLoaded()) << qPrintable(detector.errorString());
+    for (const LabelledPhoto &photo : loadLabelledPhotos()) {
+        SCOPED_TRACE(qPrintable(photo.file));
+        const QImage image = loadPhoto(photo);
+        const QList<VextilFaceFeature> before = detector.featuresInImage(image);
+        detector.releaseResources();
+        EXPECT_TRUE(detector.isLoaded());
+        const QList<VextilFaceFeature> after = detector.featuresInImage(image);
+        ASSERT_EQ(after.size(), before.size());
+        ASSERT_FALSE(after.isEmpty());
+        EXPECT_EQ(after[0].bounds, before[0].bounds);
+        EXPECT_EQ(after[0].smileScore, before[0].smileScore);
+    }
+}
+
 TEST(LearnedFaceDetector, InStreamModeTheNetworksTakeTurnsAndInStillModeEveryAnswerIsItsImagesOwn)
 {
     VextilVideoFileReader clip;
