@@ -63,6 +63,8 @@ QSGNode *VextilQuickPreview::updatePaintNode(QSGNode *old, UpdatePaintNodeData *
     texture->setFiltering(QSGTexture::Linear);
     if (!picture) {
         picture = window()->createImageNode();
+        // Before the node joins the tree: the software renderer draws a node it is handed at
+        // once, and one without a texture crashes it.
         picture->setTexture(texture.get());
         picture->setFiltering(QSGTexture::Linear);
         mirror->appendChildNode(picture);
